@@ -1,0 +1,78 @@
+#!/usr/bin/env bash
+# Installs a build into an empty prefix and builds hosts against it, as a user would: a C and a C++ program, each by the
+# CMake package and by pkg-config, and the programs that the README prints.
+#   tests/packaging/run.sh BUILD_FOLDER
+set -euo pipefail
+cd "$(dirname "$0")/../.."
+
+source=$PWD
+build=$(realpath "$1")
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+log=$work/log
+passed=0
+failed=0
+
+check() { # NAME COMMAND...
+    local name=$1
+    shift
+    if "$@" > "$log" 2>&1; then
+        passed=$((passed + 1))
+        echo "passed: $name"
+    else
+        failed=$((failed + 1))
+        echo "FAILED: $name"
+        cat "$log"
+    fi
+}
+
+# Prints the first block of a language in the README, or with a third argument the block that follows it.
+readme_block() { # LANGUAGE [next]
+    awk -v language="$1" -v wanted="$((1 + $#))" '
+        /^```/ && open { open = 0; next }
+        /^```/ { open = 1; if (found || $0 == "```" language) found++; next }
+        open && found == wanted - 1' README.md
+}
+
+by_cmake() { # HOST
+    cmake -S "$source/tests/packaging/$1" -B "$work/$1" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" &&
+        cmake --build "$work/$1" && "$work/$1/host"
+}
+
+by_pkg_config() { # COMPILER... SOURCE
+    local flags
+    flags=$(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --cflags --libs tessera)
+    # shellcheck disable=SC2086 # the flags are several words
+    "$@" -Wall -Wextra -Werror -o "$work/program" $flags && LD_LIBRARY_PATH=$libraries "$work/program"
+}
+
+readme_program() { # LANGUAGE SUFFIX COMPILER...
+    local file=$work/readme.$2
+    readme_block "$1" > "$file"
+    readme_block "$1" next > "$work/expected"
+    [[ -s $file && -s $work/expected ]] || { echo "README.md has no such program, or no output for it"; return 1; }
+    by_pkg_config "${@:3}" "$file" > "$work/printed" && diff "$work/printed" "$work/expected"
+}
+
+links_stand() {
+    local soname
+    soname=$(objdump -p "$libraries/libtessera.so" | awk '$1 == "SONAME" {print $2}')
+    [[ $soname == libtessera.so.[0-9]* && -L $libraries/libtessera.so && -f $libraries/$soname ]]
+}
+
+# Moved after the installation: no file of it may know where it was put.
+cmake --install "$build" --prefix "$work/first" > /dev/null
+prefix=$work/moved
+mv "$work/first" "$prefix"
+libraries=$(dirname "$(find "$prefix" -name libtessera.so)")
+
+check "library and links" links_stand
+check "C host, CMake package" by_cmake c_host
+check "C++ host, CMake package" by_cmake cpp_host
+check "C host, pkg-config" by_pkg_config cc -std=c99 -pedantic tests/packaging/c_host/host.c
+check "C++ host, pkg-config" by_pkg_config c++ -std=c++20 tests/packaging/cpp_host/host.cpp
+check "the README's C program" readme_program c c cc -std=c99 -pedantic
+check "the README's C++ program" readme_program cpp cpp c++ -std=c++20
+
+scripts/run_suite.py --record packaging $passed $failed
+((failed == 0))

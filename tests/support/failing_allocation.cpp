@@ -1,0 +1,65 @@
+#include "tests/support/failing_allocation.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+constexpr unsigned int NEVER = 0xFFFFFFFFU;
+
+unsigned int sparedAllocations = NEVER;
+std::size_t smallestCounted = 0;
+bool hasFailed = false;
+
+void* Allocate(std::size_t bytes) noexcept
+{
+    if (sparedAllocations != NEVER && !hasFailed && bytes >= smallestCounted && sparedAllocations-- == 0) {
+        sparedAllocations = NEVER;
+        hasFailed = true;
+        return nullptr;
+    }
+    return std::malloc(bytes == 0 ? 1 : bytes);
+}
+
+void* AllocateOrThrow(std::size_t bytes)
+{
+    void* block = Allocate(bytes);
+    if (block == nullptr) {
+        throw std::bad_alloc();
+    }
+    return block;
+}
+
+} // namespace
+
+namespace MERVO::Tessera {
+
+FailingAllocation::FailingAllocation(unsigned int spared, std::size_t fromBytes)
+{
+    hasFailed = false;
+    smallestCounted = fromBytes;
+    sparedAllocations = spared;
+}
+
+FailingAllocation::~FailingAllocation()
+{
+    sparedAllocations = NEVER;
+}
+
+bool FailingAllocation::HasFailed()
+{
+    return hasFailed;
+}
+
+} // namespace MERVO::Tessera
+
+void* operator new(std::size_t bytes) { return AllocateOrThrow(bytes); }
+void* operator new[](std::size_t bytes) { return AllocateOrThrow(bytes); }
+void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept { return Allocate(bytes); }
+void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept { return Allocate(bytes); }
+void operator delete(void* block) noexcept { std::free(block); }
+void operator delete[](void* block) noexcept { std::free(block); }
+void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
+void operator delete(void* block, const std::nothrow_t&) noexcept { std::free(block); }
+void operator delete[](void* block, const std::nothrow_t&) noexcept { std::free(block); }

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+
+namespace MERVO::Tessera {
+
+/**
+ * While it lives, one allocation through operator new fails, in the way of its form: with std::bad_alloc, or with null.
+ *
+ * Only allocations of at least `fromBytes` count; the first `spared` of them are let through.
+ */
+class FailingAllocation {
+public:
+    explicit FailingAllocation(unsigned int spared, std::size_t fromBytes = 0);
+    FailingAllocation(const FailingAllocation&) = delete;
+    FailingAllocation& operator=(const FailingAllocation&) = delete;
+    ~FailingAllocation();
+    /// Whether the allocation that was to fail has come.
+    static bool HasFailed();
+};
+
+} // namespace MERVO::Tessera

@@ -1,0 +1,57 @@
+#include "tests/support/log_capture.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+
+#include "tessera/platform/logger.h"
+
+namespace MERVO::Tessera {
+namespace {
+
+thread_local LogCapture* innermost = nullptr;
+
+} // namespace
+
+LogCapture::LogCapture() : outer(innermost) { innermost = this; }
+
+LogCapture::~LogCapture() { innermost = outer; }
+
+bool LogCapture::Has(int level, const std::string& text) const
+{
+    return std::any_of(entries.begin(), entries.end(),
+        [&](const LogEntry& entry) { return entry.level == level && entry.text.find(text) != std::string::npos; });
+}
+
+std::size_t LogCapture::Count(int level) const { return Texts(level).size(); }
+
+std::vector<std::string> LogCapture::Texts(int level) const
+{
+    std::vector<std::string> texts;
+    for (const LogEntry& entry : entries) {
+        if (entry.level == level) {
+            texts.push_back(entry.text);
+        }
+    }
+    return texts;
+}
+
+} // namespace MERVO::Tessera
+
+extern "C" void ORLELogStr(int level, const char* tag, const char* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    std::array<char, 4096> text = {};
+    std::vsnprintf(text.data(), text.size(), format, arguments);
+    va_end(arguments);
+    const char* levelShown = std::getenv("TESSERA_LOG_LEVEL");
+    if (levelShown != nullptr && level <= std::atoi(levelShown)) {
+        std::fprintf(stderr, "[%s] %s\n", tag, text.data());
+    }
+    if (MERVO::Tessera::LogCapture* capture = MERVO::Tessera::innermost) {
+        capture->entries.push_back({level, tag, text.data()});
+    }
+}
