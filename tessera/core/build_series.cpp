@@ -1,0 +1,46 @@
+#include <new>
+
+#include "tessera/core/data_frame.h"
+#include "tessera/core/date_time.h"
+#include "tessera/core/series.h"
+#include "tessera/core/typed_series.h"
+
+namespace MERVO::Tessera {
+namespace {
+
+using SeriesCreator = SeriesPtr (*)(const SeriesAttr&);
+
+template <MERVO_TESSERA_TYPEID TYPE_ID, ContainerID CID>
+SeriesPtr SeriesCreatorFunc(const SeriesAttr& attr)
+{
+    return SeriesPtr(new (std::nothrow) Series<ValueTypes::At<TYPE_ID>, CID>(attr));
+}
+
+constexpr auto SERIES_CREATORS = ForEachValueType([](auto number) {
+    constexpr auto typeId = static_cast<MERVO_TESSERA_TYPEID>(number());
+    return std::array<SeriesCreator, CONTAINER_END>{
+        &SeriesCreatorFunc<typeId, CONTAINER_ARRAY>, &SeriesCreatorFunc<typeId, CONTAINER_LIST>};
+});
+
+} // namespace
+
+SeriesPtr BuildSeries(const SeriesAttr& attr, std::string name)
+{
+    if (attr.typeId < TESSERA_TYPE_BEGIN || attr.typeId >= TESSERA_TYPE_END) {
+        LogError("TypeID should be in range of [TESSERA_TYPE_BEGIN, TESSERA_TYPE_END) ");
+        return GetErrorSeries();
+    }
+    if (attr.containerId < CONTAINER_BEGIN || attr.containerId >= CONTAINER_END) {
+        LogError("Container Type should be in range of [CONTAINER_BEGIN, CONTAINER_END) ");
+        return GetErrorSeries();
+    }
+    SeriesPtr series =
+        SERIES_CREATORS[static_cast<std::size_t>(attr.typeId)][static_cast<std::size_t>(attr.containerId)](attr);
+    if (series == nullptr) {
+        return GetErrorSeries();
+    }
+    series->SetName(std::move(name));
+    return series;
+}
+
+} // namespace MERVO::Tessera

@@ -1,0 +1,105 @@
+#include "tessera/core/data_frame.h"
+
+#include <utility>
+
+namespace MERVO::Tessera {
+namespace {
+
+constexpr unsigned int WHOLE_TABLE = 0xFFFFFFFFU;
+
+} // namespace
+
+DataFrame::DataFrame(Columns&& columns)
+{
+    *series = std::move(columns);
+    colIndex = {0, static_cast<unsigned int>(series->size())};
+    rowIndex = {0, series->empty() || series->front() == nullptr ? 0 : series->front()->Size()};
+    for (const SeriesPtr& column : *series) {
+        if (column == nullptr || column->Size() != RowCount()) {
+            SetError({ERROR_BAD_SHAPE, "series should have the same length"});
+            return;
+        }
+    }
+}
+
+DataFrame::DataFrame(const DataFrame& other) : DataFrameRef() { DeepCopy(other); }
+
+DataFrame::DataFrame(const DataFrameRef& other) { DeepCopy(other); }
+
+DataFrame& DataFrame::operator=(const DataFrame& other)
+{
+    if (this != &other) {
+        DeepCopy(other);
+    }
+    return *this;
+}
+
+DataFrame& DataFrame::operator=(DataFrame&& other)
+{
+    ShallowCopy(other);
+    return *this;
+}
+
+DataFrame& DataFrame::operator=(const DataFrameRef& other)
+{
+    if (this != &other) {
+        DeepCopy(other);
+    }
+    return *this;
+}
+
+DataFrame& DataFrame::operator=(DataFrameRef&& other)
+{
+    if (this == &other) {
+        return *this;
+    }
+    if (!SharesColumnsWith(other) || other.RowCount() != RowCount()) {
+        DeepCopy(other);
+        return *this;
+    }
+    auto selected = std::make_shared<Columns>();
+    selected->reserve(other.ColumnCount());
+    for (unsigned int k = 0; k < other.ColumnCount(); ++k) {
+        const std::size_t position = static_cast<std::size_t>(other.GetColIndex()[0]) + k;
+        selected->push_back(position < series->size() ? std::move((*series)[position]) : nullptr);
+    }
+    ShallowCopy(other);
+    series = std::move(selected);
+    colIndex = {0, other.ColumnCount()};
+    isColNameDirty = true; // the positions in the slice's map are those of the old columns
+    static_cast<void>(RefreshView()); // a failure is in the table
+    return *this;
+}
+
+void DataFrame::ShallowCopy(const DataFrameRef& other) { DataFrameView::operator=(other); }
+
+DataFrameRef DataFrame::operator[](Range rows) const { return Slice(0U, rows); }
+
+DataFrameRef DataFrame::operator[](unsigned int row) const
+{
+    return row == WHOLE_TABLE ? DataFrameRef::operator[](row) : Slice(0U, Range{row, row + 1});
+}
+
+DataFrame GetEmptyDataFrame(std::array<unsigned int, 2> shape, MERVO_TESSERA_TYPEID type)
+{
+    DataFrame::Columns columns;
+    columns.reserve(shape[1]);
+    for (unsigned int c = 0; c < shape[1]; ++c) {
+        columns.push_back(BuildSeries({shape[0], CONTAINER_ARRAY, type}, "col_" + std::to_string(c)));
+    }
+    return DataFrame(std::move(columns));
+}
+
+DataFrame GetEmptyDataFrame(const DataFrameRef& like)
+{
+    DataFrame::Columns columns;
+    columns.reserve(like.ColumnCount());
+    for (unsigned int c = 0; c < like.ColumnCount(); ++c) {
+        const SeriesPtr& column = like.GetColumn(c);
+        const SeriesAttr attr = column == nullptr ? SeriesAttr{} : WithLength(column->GetAttr(), like.RowCount());
+        columns.push_back(BuildSeries(attr, "col_" + std::to_string(c)));
+    }
+    return DataFrame(std::move(columns));
+}
+
+} // namespace MERVO::Tessera

@@ -1,0 +1,188 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tessera/core/data_frame_ref.h"
+
+namespace MERVO::Tessera {
+
+/**
+ * A table: the owner of its columns.
+ *
+ * Copying a table copies its cells; moving one shares them. As the destination of a functor it gets new columns, as
+ * many as the source has, whose length and value type may differ from before. Slices taken before such a change see the
+ * changed columns, or none; they answer with a code then, never with a fault.
+ */
+class TESSERA_API DataFrame : public DataFrameRef {
+public:
+    using Types = std::vector<MERVO_TESSERA_TYPEID>;
+    using Containers = std::vector<ContainerID>;
+
+    DataFrame() = default;
+    /// Takes the columns. They must have one length, else the table holds 15.
+    explicit DataFrame(Columns&& columns);
+    DataFrame(DataFrame&& other) noexcept = default;
+    DataFrame(const DataFrame& other);
+    DataFrame(const DataFrameRef& other);
+
+    virtual DataFrame& operator=(const DataFrame& other);
+    virtual DataFrame& operator=(DataFrame&& other);
+    DataFrame& operator=(const DataFrameRef& other);
+    /**
+     * Assigns a slice. One that selects columns of this very table, with all its rows, moves them: this table keeps
+     * only those, and older slices find null columns. Any other slice is deep-copied.
+     */
+    DataFrame& operator=(DataFrameRef&& other);
+
+    /// Copies the window's cells; windows begin at 0 afterwards. A failure is stored here; one of other's makes it
+    /// ours.
+    void DeepCopy(const DataFrameRef& other);
+    /// Takes the other's columns, windows, error and names without copying a cell.
+    void ShallowCopy(const DataFrameRef& other);
+
+    using DataFrameRef::operator[];
+    /// Rows by range.
+    DataFrameRef operator[](Range rows) const override;
+    /// One row; 4294967295 stands for the whole table.
+    DataFrameRef operator[](unsigned int row) const override;
+
+    [[nodiscard]] ErrorCode ApplyInplace(
+        const BinaryFactory& factory, const DataFrameRef& lhs, const DataFrameRef& rhs) override;
+    [[nodiscard]] ErrorCode ApplyInplace(const UnaryFactory& factory, const DataFrameRef& src) override;
+    [[nodiscard]] ErrorCode ApplyInplace(const NullaryFactory& factory) override;
+
+    /**
+     * Runs a unary functor over the rows of src instead of its columns: its r-th result row comes from src's row r.
+     * @tparam T src's one value type.
+     * @return 0, or 2: src mixes containers; 7: src has no columns; 22: src or this table mixes value types or has none;
+     *         the code of a table that failed before; or the functor's code.
+     */
+    template <typename T>
+    [[nodiscard]] ErrorCode ApplyRowInplace(const UnaryFactory& factory, const DataFrame& src)
+    {
+        return ApplyRows(factory, src, TYPE_ID_OF<T>);
+    }
+
+    /**
+     * Fills the table from a row-major vector: cell (r, c) is data[c + columns * r]. What it held before is replaced.
+     * @param shape      rows and columns, neither 0.
+     * @param types      what each column shall hold, or nothing; a column that differs from T is cast.
+     * @param containers one per column, or nothing for arrays.
+     * @return 0, or 15: the shape fits neither the data nor the lists, or a column could not be built; 1: a cast
+     * failed; the table's own if it failed before. The last two are stored in the table.
+     */
+    template <typename T>
+    [[nodiscard]] ErrorCode ReadVector(const std::vector<T>& data, std::array<unsigned int, 2> shape,
+        const Types& types = {}, const Containers& containers = {})
+    {
+        return VectorExchange<T>::Read1D(*this, data, shape, types, containers);
+    }
+    template <typename T>
+    [[nodiscard]] ErrorCode ReadVector(std::vector<T>&& data, std::array<unsigned int, 2> shape,
+        const Types& types = {}, const Containers& containers = {})
+    {
+        return VectorExchange<T>::Read1D(*this, data, shape, types, containers);
+    }
+
+    /// Fills an empty table from a list of columns of one length. Returns 2 for a table with columns, else as
+    /// ReadVector.
+    template <typename T>
+    [[nodiscard]] ErrorCode ReadVectorByCol(
+        const std::vector<std::vector<T>>& data, const Types& types = {}, const Containers& containers = {})
+    {
+        return VectorExchange<T>::Read2D(*this, std::vector<std::vector<T>>(data), types, containers);
+    }
+    template <typename T>
+    [[nodiscard]] ErrorCode ReadVectorByCol(
+        std::vector<std::vector<T>>&& data, const Types& types = {}, const Containers& containers = {})
+    {
+        return VectorExchange<T>::Read2D(*this, std::move(data), types, containers);
+    }
+
+    /// Tell whether data could be read: 0, 15, or the table's own code.
+    template <typename T>
+    [[nodiscard]] ErrorCode Check1DVector(const std::vector<T>& data, std::array<unsigned int, 2> shape,
+        const Types& types, const Containers& containers) const
+    {
+        return VectorExchange<T>::Check1D(*this, data, shape, types, containers);
+    }
+    template <typename T>
+    [[nodiscard]] ErrorCode Check2DVector(const std::vector<std::vector<T>>& data, const Types& types) const
+    {
+        return VectorExchange<T>::Check2D(data, types);
+    }
+    template <typename T>
+    [[nodiscard]] ErrorCode Check2DVectorSec(const std::vector<std::vector<T>>& data, const Types& types) const
+    {
+        return VectorExchange<T>::Check2DSecond(*this, data, types);
+    }
+
+    /**
+     * Reads a file of lines of fields into an empty table. Nothing is quoted; empty lines are passed over, CR LF ends a
+     * line as LF does, and a line that ends in the separator has an empty field behind it.
+     * @param types     one value type per column.
+     * @param hasHeader takes the first line for the names; otherwise they are "col_0", "col_1" and so on.
+     * @param separator one byte or more.
+     * @return 0, or 2: the table has columns, no separator, no such file, no content, lines of different field counts,
+     * or another count of types; 3: no memory; 1: a field that can't be cast, which the table then holds, with the
+     *         columns before it; or the table's own.
+     */
+    [[nodiscard]] ErrorCode ReadCSV(std::string path, const Types& types, bool hasHeader, const std::string& separator);
+    /// The same with one value type for all columns; any but uint8_t.
+    template <typename T>
+    [[nodiscard]] ErrorCode ReadCSV(std::string path, bool hasHeader, const std::string& separator)
+    {
+        static_assert(ValueTypes::NumberOf<T> >= 0 && !std::is_same_v<T, std::uint8_t>);
+        return ReadUniformCSV(std::move(path), TYPE_ID_OF<T>, hasHeader, separator);
+    }
+    /// Appends all fields of a file to cells, and tells the fields per line. Returns 0, or 2 as ReadCSV.
+    [[nodiscard]] ErrorCode GetCSVVec(
+        const std::string& path, const std::string& separator, std::vector<std::string>& cells, unsigned int& columns);
+    /// Appends the fields of one line to cells; returns their number, 0 for a line without content.
+    static unsigned int Str2Vector(
+        const std::string& line, const std::string& separator, std::vector<std::string>& cells);
+    /// Makes the table from the fields of GetCSVVec. Returns 0, 1 or 2 as ReadCSV.
+    [[nodiscard]] ErrorCode ReadFormVec(
+        const std::vector<std::string>& cells, unsigned int columns, const Types& types, bool hasHeader);
+
+private:
+    friend class ColumnLoader;
+
+    ErrorCode ApplyRows(const UnaryFactory& factory, const DataFrame& src, MERVO_TESSERA_TYPEID type);
+    ErrorCode ReadUniformCSV(std::string path, MERVO_TESSERA_TYPEID type, bool hasHeader, const std::string& separator);
+    bool UnaryApplyCheck(const std::string& functor, const DataFrameRef& src, ErrorCode& code) const;
+    ErrorCode ApplyBinaryMultiVsMulti(const BinaryFactory& factory, const DataFrameRef& lhs, const DataFrameRef& rhs);
+    ErrorCode ApplyBinarySingleVsMulti(const BinaryFactory& factory, const DataFrameRef& lhs, const DataFrameRef& rhs);
+    bool ApplyRowPreCheck(const std::string& functor, const DataFrame& src, ErrorCode& code) const;
+
+    /// Where results go: the columns at `position`, `count` of them, written one by one or, if sources would suffer, at
+    /// the end.
+    struct Landing {
+        std::size_t position;
+        unsigned int count;
+        bool writesAtEnd;
+    };
+    /// The words of the two binary forms.
+    struct BinaryTexts {
+        const char* conversion;
+        const char* containerChange;
+    };
+    /// Makes room for as many columns as a source has; returns where they land.
+    std::size_t FitColumns(const DataFrameRef& multi);
+    template <typename ComputeNext>
+    ErrorCode ReplaceColumns(const Landing& landing, ComputeNext&& computeNext);
+    ErrorCode ApplyBinary(const BinaryFactory& factory, const DataFrameRef& lhs, const DataFrameRef& rhs,
+        const Landing& landing, const BinaryTexts& texts);
+    /// Keeps exactly the columns that an apply wrote, and refreshes the shape.
+    void RemoveRedundantOnApply(const Landing& landing);
+};
+
+/// A table of shape[1] columns of shape[0] rows of one value type, in arrays, named "col_0", "col_1" and so on.
+TESSERA_API DataFrame GetEmptyDataFrame(std::array<unsigned int, 2> shape, MERVO_TESSERA_TYPEID type);
+/// A table of new columns like those of a window, as long as the window, named "col_0" and so on; values are not kept.
+TESSERA_API DataFrame GetEmptyDataFrame(const DataFrameRef& like);
+
+} // namespace MERVO::Tessera

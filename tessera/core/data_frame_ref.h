@@ -1,0 +1,128 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tessera/core/data_frame_view.h"
+#include "tessera/core/factories.h"
+#include "tessera/core/vector_exchange.h"
+
+namespace MERVO::Tessera {
+
+/**
+ * A window on columns that a table holds.
+ *
+ * A slice shares the columns: what is written through it, the table and all its other slices see. Its length,
+ * containers and value types can't change. Copying a window gives a second one on the same cells; assigning to a window
+ * copies cell values into it.
+ *
+ * Failing slices come back as an empty window that holds the code; the source is not marked. Codes: the source's own
+ * when it failed before; 4 for an empty or reversed range, or one beyond the window; 5 for a name that is null or
+ * missing; 3 for no memory.
+ */
+class TESSERA_API DataFrameRef : public DataFrameView {
+public:
+    DataFrameRef() = default;
+    DataFrameRef(const DataFrameRef&) = default;
+    DataFrameRef(DataFrameRef&&) noexcept = default;
+
+    /// Rows and columns by range, counted from the window's first.
+    virtual DataFrameRef Slice(Range rows, Range columns) const;
+    /// Axis 0: rows by range, all columns. Any other axis: columns by range, all rows.
+    virtual DataFrameRef Slice(unsigned int axis, Range range) const;
+    /// Rows by range, columns from the first name to before the second.
+    virtual DataFrameRef Slice(Range rows, NameRange columns) const;
+
+    /// Columns by range.
+    virtual DataFrameRef operator[](Range columns) const;
+    /// Columns from the first name to before the second.
+    virtual DataFrameRef operator[](NameRange columns) const;
+    /// One column; 4294967295 stands for the whole window.
+    virtual DataFrameRef operator[](unsigned int column) const;
+    /// The named column.
+    virtual DataFrameRef operator[](const char* name) const;
+    /// As operator[](unsigned int); keeps `table[0]` from meaning a null name.
+    DataFrameRef operator[](int place) const { return (*this)[static_cast<unsigned int>(place)]; }
+
+    /**
+     * Run a functor over this table as destination, column by column.
+     *
+     * A window receives results in its existing cells; a table gets new columns (see DataFrame). Where the destination
+     * overlaps a source, everything is computed before anything is written.
+     * @return 0, or the code of the first failure: the table's own earlier one; 7: a source without columns; 18 to 20:
+     *         containers, column counts or lengths don't fit; 21: the functor refused, as it does when a window would
+     *         change its value type; else the functor's code. 7 and 18 to 20 are told by the log, and stored only for
+     *         column counts that can't fit; all others are stored.
+     */
+    [[nodiscard]] virtual ErrorCode ApplyInplace(
+        const BinaryFactory& factory, const DataFrameRef& lhs, const DataFrameRef& rhs);
+    [[nodiscard]] virtual ErrorCode ApplyInplace(const UnaryFactory& factory, const DataFrameRef& src);
+    [[nodiscard]] virtual ErrorCode ApplyInplace(const NullaryFactory& factory);
+
+    /// Copies cell values into the window. A failure is stored as "operator = (assign) failed".
+    DataFrameRef& operator=(const DataFrameRef& other);
+
+    /// The columns' common value type; MIX_TYPE (15) if they differ; -1 for a failed table or an empty window.
+    MERVO_TESSERA_TYPEID Type() const;
+    /// The columns' common container; -1 if they differ, for a failed table or an empty window.
+    ContainerID ContainerType() const;
+
+    /// The window's cells, a vector per row. Empty, with an error in the log, unless Type() is T's and the table
+    /// healthy.
+    template <typename T>
+    std::vector<std::vector<T>> ToVector() const
+    {
+        return VectorExchange<T>::Write2D(*this);
+    }
+    /// The window's cells row by row: (r, c) stands at c + r * columns. Else as ToVector.
+    template <typename T>
+    std::vector<T> To1DVector() const
+    {
+        return VectorExchange<T>::Write1D(*this);
+    }
+
+    /**
+     * The window with its rows as columns, named "col_" and the row's number. Rows are counted from the first of the
+     * columns, also where the window begins further down.
+     * @return the table, or one with the code: 7: no columns or no rows; 6: more than 1024 rows; 22: several value
+     * types, which is stored here too; 2: a container out of range; or this table's own.
+     */
+    DataFrame Transpose() const;
+
+    /**
+     * Writes the window as lines of fields between separators. Nothing is quoted: a cell that holds the separator or a
+     * line feed does not survive reading back.
+     *
+     * A regular file is written beside its place and put there when it is whole, so a failure leaves what was there.
+     * @param path      an existing folder's file; replaced if it exists.
+     * @param writeHeader puts the column names in front.
+     * @return 0, or 2: an empty separator, a table that has no text form, a folder that does not exist, a file that
+     * can't be written, or a full disk. Nothing is stored in the table.
+     */
+    [[nodiscard]] ErrorCode ToCSV(std::string path, bool writeHeader, const std::string& separator) const;
+    /// Resolves a path of an existing file or folder in place; false if it is longer than 4096 bytes or can't be
+    /// resolved.
+    static bool PathCheck(std::string& path);
+
+protected:
+    /// What a check says: the code to return, and whether to go on.
+    using Verdict = std::pair<ErrorCode, bool>;
+
+    DataFrameRef FailedSlice(ErrorCode code, const std::string& message) const;
+    /// The position of a named column relative to the window; a code and message in `failure` without one.
+    bool FindColumn(const std::string& name, unsigned int& place, Error& failure) const;
+
+    bool OverlappingCheck(const DataFrameRef& other) const;
+    Verdict UnaryCheck(const std::string& functor, const DataFrameRef& src) const;
+    Verdict BinaryCheck(const std::string& functor, const DataFrameRef& lhs, const DataFrameRef& rhs) const;
+    ErrorCode BinaryApplyCheck(const std::string& functor, const DataFrameRef& lhs, const DataFrameRef& rhs) const;
+    ErrorCode NoCopyApply(const UnaryFactory& factory, const DataFrameRef& src);
+    ErrorCode NoCopyApply(const BinaryFactory& factory, const DataFrameRef& lhs, const DataFrameRef& rhs);
+    ErrorCode CopyApply(const UnaryFactory& factory, const DataFrameRef& src);
+    ErrorCode CopyApply(const BinaryFactory& factory, const DataFrameRef& lhs, const DataFrameRef& rhs);
+    ErrorCode TempToThis(const Columns& results);
+};
+
+} // namespace MERVO::Tessera

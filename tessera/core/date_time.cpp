@@ -1,0 +1,133 @@
+#include "tessera/core/date_time.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <ostream>
+#include <utility>
+
+#include "tessera/platform/logger.h"
+
+namespace MERVO::Tessera {
+namespace {
+
+constexpr int FIRST_YEAR = 1900; // in which the calendar record counts its years from 0
+
+bool IsDigit(char c) { return static_cast<unsigned char>(c - '0') < 10; }
+
+bool IsBlank(char c) { return c == ' ' || static_cast<unsigned char>(c - '\t') < 5; }
+
+const char* SkipBlanks(const char* at, const char* end)
+{
+    return std::find_if_not(at, end, [](char c) { return IsBlank(c); });
+}
+
+/// A number of at most `width` characters, and what must follow it: ' ' stands for any white space or none.
+struct Field {
+    int ::tm::*member;
+    std::ptrdiff_t width;
+    char separator;
+};
+
+constexpr std::array<Field, 6> FIELDS = {{{&::tm::tm_year, 4, '-'}, {&::tm::tm_mon, 2, '-'}, {&::tm::tm_mday, 2, ' '},
+    {&::tm::tm_hour, 2, ':'}, {&::tm::tm_min, 2, ':'}, {&::tm::tm_sec, 2, ' '}}};
+
+/// Reads what sscanf would by "%4d-%2d-%2d %2d:%2d:%2d", in a fraction of its time.
+/// @return false if the text ends before the first number, which is where sscanf gives EOF.
+bool ScanFields(const char* at, const char* end, ::tm& fields)
+{
+    if (SkipBlanks(at, end) == end) {
+        return false;
+    }
+    for (const Field& field : FIELDS) {
+        at = SkipBlanks(at, end);
+        const char* const last = at + std::min(field.width, end - at);
+        const bool isNegative = at != last && *at == '-';
+        if (isNegative || (at != last && *at == '+')) {
+            ++at;
+        }
+        int value = 0;
+        const char* const firstDigit = at;
+        for (; at != last && IsDigit(*at); ++at) {
+            value = value * 10 + (*at - '0');
+        }
+        if (at == firstDigit) {
+            return true;
+        }
+        fields.*field.member = isNegative ? -value : value;
+        if (field.separator != ' ') {
+            if (at == end || *at != field.separator) {
+                return true;
+            }
+            ++at;
+        }
+    }
+    return true;
+}
+
+template <std::size_t WIDTH>
+char* WriteDigits(char* first, int value)
+{
+    auto rest = static_cast<unsigned int>(value);
+    for (std::size_t i = WIDTH; i-- > 0; rest /= 10) {
+        first[i] = static_cast<char>('0' + rest % 10);
+    }
+    return first + WIDTH;
+}
+
+} // namespace
+
+void DateTime::Parse2Time() const
+{
+    const int savedError = errno;
+    errno = 0;
+    const std::time_t seconds = stamp;
+    if (::localtime_r(&seconds, &calendar) == nullptr || errno != 0) {
+        LogError("typecast from string to arithmetic int error: %d", errno);
+    }
+    errno = savedError;
+}
+
+const ::tm* DateTime::GetTime() const
+{
+    Parse2Time();
+    return &calendar;
+}
+
+std::string DateTime::ToString() const
+{
+    Parse2Time();
+    std::string text = "0000-00-00 00:00:00"; // 32 bits reach from 1901 to 2038
+    char* at = WriteDigits<4>(text.data(), calendar.tm_year + FIRST_YEAR);
+    at = WriteDigits<2>(at + 1, calendar.tm_mon + 1);
+    at = WriteDigits<2>(at + 1, calendar.tm_mday);
+    at = WriteDigits<2>(at + 1, calendar.tm_hour);
+    at = WriteDigits<2>(at + 1, calendar.tm_min);
+    WriteDigits<2>(at + 1, calendar.tm_sec);
+    return text;
+}
+
+ErrorCode DateTime::StringToTime(const std::string& text)
+{
+    if (text.empty()) {
+        Parse2Time();
+        return ERROR_NONE;
+    }
+    ::tm fields = {};
+    if (!ScanFields(text.c_str(), text.c_str() + std::strlen(text.c_str()), fields)) {
+        LogWarning("Failed to cast time %s", text.c_str());
+        return ERROR_BAD_KIND;
+    }
+    fields.tm_year -= FIRST_YEAR;
+    fields.tm_mon -= 1;
+    fields.tm_isdst = -1; // the zone's rules decide
+    calendar = fields;
+    const std::time_t seconds = std::mktime(&calendar);
+    stamp = std::in_range<std::int32_t>(seconds) ? static_cast<std::int32_t>(seconds) : -1;
+    return ERROR_NONE;
+}
+
+std::ostream& operator<<(std::ostream& stream, const DateTime& value) { return stream << value.ToString(); }
+
+} // namespace MERVO::Tessera

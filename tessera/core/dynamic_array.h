@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <new>
+#include <vector>
+
+#include "tessera/core/bit_position.h"
+#include "tessera/platform/export.h"
+#include "tessera/platform/logger.h"
+
+namespace MERVO::Tessera {
+
+/**
+ * Owner of the heap block behind a column.
+ *
+ * Numbers start uninitialised, strings empty, DateTime as zero bytes, nested tables healthy and empty. Where the block
+ * can't be had, that is logged, `data` is null and `size` keeps the count that was asked for; such a column gives no
+ * cursor, so whoever wanted it answers with a code.
+ */
+template <typename T>
+class DynamicArray {
+public:
+    explicit DynamicArray(std::uint32_t count) : size(count)
+    {
+        if (count == 0) {
+            return;
+        }
+        // Beyond this the compiler's size calculation would throw, in spite of std::nothrow, where sizes have 32 bits.
+        constexpr std::size_t MOST = static_cast<std::size_t>(PTRDIFF_MAX) / sizeof(T) - sizeof(T);
+        data = std::size_t{count} <= MOST ? new (std::nothrow) T[count] : nullptr;
+        if (data == nullptr) {
+            LogError("Failed to create dynamic array, size %zu", static_cast<std::size_t>(count));
+        }
+    }
+    DynamicArray(const DynamicArray&) = delete;
+    DynamicArray& operator=(const DynamicArray&) = delete;
+    virtual ~DynamicArray() { delete[] data; }
+
+    T* begin() { return data; }
+    const T* begin() const { return data; }
+    T* end() { return data + size; }
+    const T* end() const { return data + size; }
+
+    T* data = nullptr;
+    std::uint32_t size;
+};
+
+/**
+ * Bits, eight to a byte, lowest first, all false at the start. The block has a tenth of room more than the bits need.
+ *
+ * Where the block can't be had, that is logged and the array is empty.
+ */
+template <>
+class TESSERA_API DynamicArray<bool> {
+public:
+    explicit DynamicArray(std::uint32_t count);
+    DynamicArray(std::initializer_list<bool> values);
+    explicit DynamicArray(const std::vector<bool>& values);
+    DynamicArray(const DynamicArray&) = delete;
+    DynamicArray& operator=(const DynamicArray&) = delete;
+    virtual ~DynamicArray();
+
+    BitPosition begin() { return {data, 0}; }
+    BitPosition begin() const { return {data, 0}; }
+    BitPosition end() { return begin() + size; }
+    BitPosition end() const { return begin() + size; }
+
+    std::uint32_t size;         ///< bits
+    std::uint32_t capacity = 0; ///< bytes
+    float growthFactor = 1.1F;
+    std::uint8_t* data = nullptr;
+};
+
+} // namespace MERVO::Tessera

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "tessera/core/data_frame_ref.h"
+#include "tessera/tessera.h"
+
+namespace MERVO::Tessera {
+
+/// Runs the body of a flat call and returns its code. Whatever it throws becomes code 3, for only want of memory or
+/// room throws here. `call` is the caller's __func__, for the message.
+template <typename Body>
+std::int32_t Guarded(const char* call, Body&& body) noexcept
+{
+    try {
+        return body();
+    } catch (...) {
+        LogError("[%s] out of memory", call);
+        return ERROR_OUT_OF_MEMORY;
+    }
+}
+
+/// Logs that a flat call was handed a null or unfit handle, and gives its code.
+std::int32_t RefuseHandle(const char* call) noexcept;
+
+/// The road of a unary flat call once it is guarded: test, pick, apply, report.
+std::int32_t ApplyUnaryTo(
+    const char* call, MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, const UnaryFactory& make);
+
+/**
+ * A whole unary flat call: dst receives what the functor that `make` gives makes of src.
+ * @return what dst's table has stored afterwards; 33: a handle is null or holds neither or both; 3: no memory.
+ */
+template <typename Make>
+std::int32_t ApplyUnary(
+    const char* call, MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, const Make& make) noexcept
+{
+    return Guarded(call, [&] { return ApplyUnaryTo(call, dst, src, std::cref(make)); });
+}
+
+} // namespace MERVO::Tessera

@@ -1,0 +1,234 @@
+#ifndef TESSERA_TESSERA_H
+#define TESSERA_TESSERA_H
+
+/**
+ * Every flat call of Tessera, in plain C99: tables behind opaque handles, typed buffers in and out, codes as results.
+ *
+ * A handle holds one table, or one window on the columns of a table. It belongs to the host, which releases it once, and
+ * to one thread at a time. Buffers and records stay the host's; nothing is kept of them after a call.
+ *
+ * Codes. 0 is success. A call on tables returns the code that the receiving table holds afterwards; a table keeps its
+ * first failure, so a table that failed once returns that code ever after.
+ *    1  an operation, conversion or kernel failed, or does not serve the value type; or a shape is invalid
+ *    2  bad kind of argument or state: container, separator, file, a table that is not empty
+ *    3  no memory, or no room for the result
+ *    4  an index or range is out of limits
+ *    5  invalid parameter value; or a value type that the operation has no result for
+ *    6  a table with an error was asked for names, or a table is too long to transpose
+ *    7  a table without columns or rows where content is needed
+ *   12  a functor found an empty source or destination
+ *   15  a column could not be built, or loaded data do not fit their shape
+ *   17  a boolean table was required
+ *   18  a functor asks for another container than the destination has
+ *   19  two inputs cannot broadcast
+ *   20  a window used as destination differs in size
+ *   21  a functor refused its columns, or had no working storage
+ *   22  one value type is needed and the table mixes several
+ *   33  a handle or record is null, or a handle holds neither or both of a table and a window
+ *   34  loading a typed buffer failed; the table, or the log, says why
+ *   36  a loader received a null pointer, or a handle that holds no table
+ *
+ * Each failure is reported to ORLELogStr, which the host may define itself (see the README).
+ */
+
+#include <stdbool.h>
+#include <stdint.h>
+
+#if defined(__GNUC__)
+#define MERVO_TSR_API __attribute__((visibility("default")))
+#else
+#define MERVO_TSR_API
+#endif
+
+#ifdef __cplusplus
+namespace MERVO {
+namespace Tessera {
+class DataFrame;
+class DataFrameRef;
+} // namespace Tessera
+} // namespace MERVO
+typedef MERVO::Tessera::DataFrame MERVO_TSR_DATAFRAME;
+typedef MERVO::Tessera::DataFrameRef MERVO_TSR_DATAFRAME_REF;
+extern "C" {
+/* C++ would leave the width of a plain enumeration to the compiler. */
+enum MERVO_TESSERA_TYPEID : int32_t {
+#else
+typedef struct MERVO_TSR_DATAFRAME MERVO_TSR_DATAFRAME;
+typedef struct MERVO_TSR_DATAFRAME_REF MERVO_TSR_DATAFRAME_REF;
+typedef enum MERVO_TESSERA_TYPEID {
+#endif
+    TESSERA_INVALID = -1, /* no type; the type of a column that could not be made */
+    TESSERA_TYPE_BEGIN = 0,
+    TESSERA_BOOL = 0,
+    TESSERA_INT8 = 1,
+    TESSERA_UINT8 = 2,
+    TESSERA_INT16 = 3,
+    TESSERA_UINT16 = 4,
+    TESSERA_INT32 = 5,
+    TESSERA_UINT32 = 6,
+    TESSERA_INT64 = 7,
+    TESSERA_UINT64 = 8,
+    TESSERA_FLOAT = 9,
+    TESSERA_DOUBLE = 10,
+    TESSERA_STRING = 11,
+    TESSERA_DATETIME = 12,  /* seconds since 1970 in 32 bits */
+    TESSERA_DATAFRAME = 13, /* a table in a cell */
+    TESSERA_TYPE_END = 14
+#ifdef __cplusplus
+};
+#else
+} MERVO_TESSERA_TYPEID;
+#endif
+
+/** A handle. At most one of the two is set. */
+typedef struct Tag_MERVO_TSR_CONTEXT {
+    MERVO_TSR_DATAFRAME* dataFrame;        /* a table, owned by the handle */
+    MERVO_TSR_DATAFRAME_REF* dataFrameRef; /* a window, owned by the handle; its columns live as long as any holder */
+} MERVO_TSR_CONTEXT;
+
+/** The shape of a buffer to load. */
+typedef struct {
+    uint32_t rows;
+    uint32_t cols;                     /* 1 to 1024 */
+    const MERVO_TESSERA_TYPEID* types; /* cols entries: what each column shall hold */
+} MERVO_TSR_SHAPE;
+
+/** Where a table is read into. */
+typedef struct {
+    void** rows;       /* a caller's buffer for each row of the table, each with room for a cell of every column */
+    uint32_t rowCount; /* written by the call */
+    uint32_t colCount; /* written by the call */
+} MERVO_TSR_RESULT;
+
+/**
+ * Makes a handle with a healthy, empty table.
+ * @return the handle, which the caller releases; null when memory is short.
+ */
+MERVO_TSR_API MERVO_TSR_CONTEXT* MERVO_TSR_CreateDF(void);
+
+/**
+ * Releases a handle with what it holds, and sets the caller's pointer to null.
+ * @return 0, or 33: the pointer or the handle is null.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_Release(MERVO_TSR_CONTEXT** handle);
+
+/**
+ * The loaders fill an empty table from a row-major buffer: the cell of row r and column c is data[c + cols * r].
+ *
+ * Columns are named "col_0", "col_1" and so on. A column whose entry in shape->types differs from the buffer's type is
+ * cast on the way in, as MERVO_TSR_TypeCast does it. ReadDataBool takes a byte per cell, zero for false. ReadDataString
+ * takes terminated texts, which are copied.
+ * @param handle a table; what it held before is replaced.
+ * @return 0, or 36: a null pointer, also among the texts, or a handle that holds no table; 1: more than 1024 columns,
+ *         4294967295 rows, or more cells than 32 bits count; 34: no rows or columns, a table that failed before, or a
+ *         cast that failed, which the table then holds; 3: no memory.
+ */
+MERVO_TSR_API int32_t ReadDataBool(MERVO_TSR_CONTEXT* handle, const bool* data, const MERVO_TSR_SHAPE* shape);
+MERVO_TSR_API int32_t ReadDataInt8(MERVO_TSR_CONTEXT* handle, const int8_t* data, const MERVO_TSR_SHAPE* shape);
+MERVO_TSR_API int32_t ReadDataUint8(MERVO_TSR_CONTEXT* handle, const uint8_t* data, const MERVO_TSR_SHAPE* shape);
+MERVO_TSR_API int32_t ReadDataInt16(MERVO_TSR_CONTEXT* handle, const int16_t* data, const MERVO_TSR_SHAPE* shape);
+MERVO_TSR_API int32_t ReadDataUint16(MERVO_TSR_CONTEXT* handle, const uint16_t* data, const MERVO_TSR_SHAPE* shape);
+MERVO_TSR_API int32_t ReadDataInt32(MERVO_TSR_CONTEXT* handle, const int32_t* data, const MERVO_TSR_SHAPE* shape);
+MERVO_TSR_API int32_t ReadDataUint32(MERVO_TSR_CONTEXT* handle, const uint32_t* data, const MERVO_TSR_SHAPE* shape);
+MERVO_TSR_API int32_t ReadDataInt64(MERVO_TSR_CONTEXT* handle, const int64_t* data, const MERVO_TSR_SHAPE* shape);
+MERVO_TSR_API int32_t ReadDataUint64(MERVO_TSR_CONTEXT* handle, const uint64_t* data, const MERVO_TSR_SHAPE* shape);
+MERVO_TSR_API int32_t ReadDataFloat(MERVO_TSR_CONTEXT* handle, const float* data, const MERVO_TSR_SHAPE* shape);
+MERVO_TSR_API int32_t ReadDataDouble(MERVO_TSR_CONTEXT* handle, const double* data, const MERVO_TSR_SHAPE* shape);
+MERVO_TSR_API int32_t ReadDataString(MERVO_TSR_CONTEXT* handle, const char* const* data, const MERVO_TSR_SHAPE* shape);
+
+/**
+ * The readers copy a table or window out, row by row: the cell of row r and column c goes to element c of
+ * result->rows[r].
+ *
+ * All columns must have the value type of the call; with any other, nothing is copied, though the counts are written
+ * and 0 is returned. A reader does not convert: cast first. MERVO_TSR_GetResultString assigns to std::string,
+ * MERVO_TSR_GetResultDateTime to MERVO::Tessera::DateTime and MERVO_TSR_GetResultDataFrame to
+ * MERVO::Tessera::DataFrame; the caller constructs these, so these three are for C++ hosts.
+ * @param handle a table or window.
+ * @param result receives the cells and both counts.
+ * @return 0, or 33: a null pointer, also among result->rows, or a handle that holds neither or both; 3: no memory.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_GetResultBool(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result);
+MERVO_TSR_API int32_t MERVO_TSR_GetResultInt8(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result);
+MERVO_TSR_API int32_t MERVO_TSR_GetResultUint8(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result);
+MERVO_TSR_API int32_t MERVO_TSR_GetResultInt16(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result);
+MERVO_TSR_API int32_t MERVO_TSR_GetResultUint16(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result);
+MERVO_TSR_API int32_t MERVO_TSR_GetResultInt32(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result);
+MERVO_TSR_API int32_t MERVO_TSR_GetResultUint32(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result);
+MERVO_TSR_API int32_t MERVO_TSR_GetResultInt64(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result);
+MERVO_TSR_API int32_t MERVO_TSR_GetResultUint64(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result);
+MERVO_TSR_API int32_t MERVO_TSR_GetResultFloat(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result);
+MERVO_TSR_API int32_t MERVO_TSR_GetResultDouble(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result);
+MERVO_TSR_API int32_t MERVO_TSR_GetResultString(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result);
+MERVO_TSR_API int32_t MERVO_TSR_GetResultDateTime(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result);
+MERVO_TSR_API int32_t MERVO_TSR_GetResultDataFrame(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result);
+
+/**
+ * Casts every column of a table to one value type.
+ *
+ * Numbers convert as in C, wrapping to the target's width; NaN becomes 0 and values beyond the range of a 32-bit (for
+ * 64-bit targets a 64-bit) integer clamp to its nearest end. Text parses as by strtoll, strtoull and strtod in the C
+ * locale: trailing text is ignored, an empty cell is 0 or NaN. Numbers print in decimal, float and double as by "%.5e",
+ * true as "1" and false as an empty text.
+ * @param dst  receives n rows by c columns, named as in src. A window can't change its value type (21).
+ * @param src  n rows by c columns; only read, and may be the handle dst.
+ * @param type the target, TESSERA_BOOL to TESSERA_DATAFRAME.
+ * @return dst's code: 0, or 33: a handle fails its check; 1: a text out of the target's range, or a pair that has no
+ *         conversion; 5: no such type; 7: src has no columns (told by the log, not stored); 3: no memory.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_TypeCast(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, MERVO_TESSERA_TYPEID type);
+MERVO_TSR_API int32_t MERVO_TSR_TypeCastBool(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+MERVO_TSR_API int32_t MERVO_TSR_TypeCastInt8(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+MERVO_TSR_API int32_t MERVO_TSR_TypeCastUint8(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+MERVO_TSR_API int32_t MERVO_TSR_TypeCastInt16(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+MERVO_TSR_API int32_t MERVO_TSR_TypeCastUint16(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+MERVO_TSR_API int32_t MERVO_TSR_TypeCastInt32(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+MERVO_TSR_API int32_t MERVO_TSR_TypeCastUint32(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+MERVO_TSR_API int32_t MERVO_TSR_TypeCastInt64(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+MERVO_TSR_API int32_t MERVO_TSR_TypeCastUint64(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+MERVO_TSR_API int32_t MERVO_TSR_TypeCastFloat(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+MERVO_TSR_API int32_t MERVO_TSR_TypeCastDouble(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+MERVO_TSR_API int32_t MERVO_TSR_TypeCastString(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+MERVO_TSR_API int32_t MERVO_TSR_TypeCastDateTime(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+MERVO_TSR_API int32_t MERVO_TSR_TypeCastDataFrame(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+
+/**
+ * Turns the rows of a table of one value type into columns, named "col_" and the row's number.
+ * @param dst a table; receives c rows by n columns.
+ * @param src n rows (1 to 1024) by c columns of one value type. Rows are counted from the first of the columns, also
+ *            where src is a window that begins further down.
+ * @return dst's code: 0, or 33: a handle fails its check; 7: no columns or no rows; 6: more than 1024 rows; 22: several
+ *         value types, which src then holds too; 2: a container out of range; 3: no memory.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_Transpose(MERVO_TSR_CONTEXT* dst, MERVO_TSR_CONTEXT* src);
+
+/** Writes a diagnosis of a table or window: its state to the log at level 4, its columns to standard output. */
+MERVO_TSR_API void MERVO_TSR_Show(MERVO_TSR_CONTEXT* handle);
+
+/**
+ * The reductions turn each column of src into one cell of dst, named as in src.
+ *
+ * Sum:    added from the first row to the last; float in float, bool counted as int64, DateTime in 32 bits, all others
+ *         in double. NaN stays NaN.
+ * Mean:   without NaN; NaN when nothing is left. float for float, DateTime for DateTime, else double.
+ * Max:    of the column's type. NaN in the first row stays, a later one is passed over. Serves strings too.
+ * Min:    as Max, without strings.
+ * Ptp:    largest less smallest, in the column's type and wrapping in it; any NaN gives NaN.
+ * IdxMax: the first row of the largest value, as uint32.
+ * @param dst receives 1 row by c columns. A window receives only if it has one row of fitting types.
+ * @param src n rows by c columns; only read.
+ * @return dst's code: 0, or 33: a handle fails its check; 5: Sum or Mean of strings or tables; 1: a value type that
+ *         the reduction does not serve; 21: no rows (Max, Min, Ptp, IdxMax); 3: no memory.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_Sum(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+MERVO_TSR_API int32_t MERVO_TSR_Mean(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+MERVO_TSR_API int32_t MERVO_TSR_Max(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+MERVO_TSR_API int32_t MERVO_TSR_Min(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+MERVO_TSR_API int32_t MERVO_TSR_Ptp(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+MERVO_TSR_API int32_t MERVO_TSR_IdxMax(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+
+#ifdef __cplusplus
+} /* extern "C" */
+#endif
+
+#endif
