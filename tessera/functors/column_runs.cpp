@@ -1,0 +1,56 @@
+#include "tessera/functors/column_runs.h"
+
+namespace MERVO::Tessera::Func {
+
+ContainerID ContainerOf(const SeriesPtr& column)
+{
+    return column == nullptr ? CONTAINER_ARRAY : column->GetAttr().containerId;
+}
+
+ContainerID UnaryRun::SourceContainer(unsigned int k) const { return ContainerOf(source.GetColumn(k)); }
+
+void UnaryRun::Open(unsigned int k, ContainerID container)
+{
+    const SeriesPtr& column = source.GetColumn(k);
+    functor = &slots.For(container);
+    cursor = source.GetSlicedIterator(column);
+    name = column == nullptr ? std::string() : column->GetName();
+}
+
+ContainerID BinaryRun::SourceContainer(unsigned int k) const
+{
+    const DataFrameRef& wider = left.ColumnCount() >= right.ColumnCount() ? left : right;
+    return ContainerOf(wider.GetColumn(k));
+}
+
+void BinaryRun::Open(unsigned int k, ContainerID container)
+{
+    functor = &slots.For(container);
+    const SeriesPtr& leftColumn = left.GetColumn(left.ColumnCount() == 1 ? 0 : k);
+    const SeriesPtr& rightColumn = right.GetColumn(right.ColumnCount() == 1 ? 0 : k);
+    const SeriesPtr& named = left.ColumnCount() >= right.ColumnCount() ? leftColumn : rightColumn;
+    name = named == nullptr ? std::string() : named->GetName();
+    leftCursor = left.GetSlicedIterator(leftColumn);
+    rightCursor = right.GetSlicedIterator(rightColumn);
+}
+
+ErrorCode BinaryRun::Convert(ContainerID container)
+{
+    const auto convert = [container](Cursor& cursor, SeriesPtr& converted) -> ErrorCode {
+        if (cursor == nullptr || cursor->GetAttr().containerId == container) {
+            return ERROR_NONE;
+        }
+        SeriesAttr attr = cursor->GetAttr();
+        attr.containerId = container;
+        converted = BuildSeries(attr, {});
+        if (!Copy2Series(cursor, converted->GetIterator())) {
+            return ERROR_OUT_OF_MEMORY;
+        }
+        cursor = converted->GetIterator();
+        return ERROR_NONE;
+    };
+    const ErrorCode code = convert(leftCursor, leftConverted);
+    return code != ERROR_NONE ? code : convert(rightCursor, rightConverted);
+}
+
+} // namespace MERVO::Tessera::Func

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "tessera/core/error.h"
+#include "tessera/core/series.h"
+
+namespace MERVO::Tessera::Func {
+
+/// An argument of an operation. As a template argument it names one whose value type picks the kernel.
+enum class MutableArgs : std::uint32_t {
+    SOURCE = 0, ///< the first source; for a nullary functor its one cursor
+    SECOND = 1, ///< the second source
+    DESTINATION = 2
+};
+
+/// The kernel for one choice of value types. The first argument is the functor.
+using NullaryEntry = ErrorCode (*)(const void* functor, const Cursor& cursor);
+using UnaryEntry = ErrorCode (*)(const void* functor, const Cursor& src, const Cursor& dst);
+using BinaryEntry = ErrorCode (*)(const void* functor, const Cursor& lhs, const Cursor& rhs, const Cursor& dst);
+
+/**
+ * An operation on columns, as the apply paths see it: it tells the shape of its result, checks its arguments, and runs.
+ *
+ * A functor is made for one run, belongs to one thread, and may be used for any number of columns.
+ */
+class TESSERA_API FunctorBase {
+public:
+    virtual ~FunctorBase() = default;
+    virtual std::string GetName() const = 0;
+};
+
+/// A functor on one cursor.
+class TESSERA_API NullaryBase : public FunctorBase {
+public:
+    /**
+     * Checks and runs.
+     * @return 0; 5: no cursor; 21: CheckParams refused; or the kernel's code. The message ends in the functor's name.
+     */
+    virtual Error ProcessSeries(const Cursor& cursor) const = 0;
+    virtual SeriesAttr GetDstAttr(const Cursor& cursor) const = 0;
+    virtual bool CheckParams(const Cursor& cursor) const = 0;
+
+protected:
+    Error Dispatch(const Cursor& cursor, const NullaryEntry* table, std::size_t entryCount) const;
+};
+
+/// A functor from one source to a destination.
+class TESSERA_API UnaryBase : public FunctorBase {
+public:
+    /**
+     * Runs from src to dst.
+     * @param check tests the parameters and picks the kernel. Without it the kernel of the last checked run is used
+     *              again, for a caller that goes on with columns of the same types.
+     * @return 0; 5: no cursor; 21: CheckParams refused; or the kernel's code. The message ends in the functor's name.
+     */
+    virtual Error ProcessSeries(const Cursor& src, const Cursor& dst, bool check) const = 0;
+    /// What the destination must be, asked before it exists.
+    virtual SeriesAttr GetDstAttr(const Cursor& src) const = 0;
+    virtual bool CheckParams(const Cursor& src, const Cursor& dst) const = 0;
+
+protected:
+    /// Which cursor's value type picks the table's row and column.
+    struct Axes {
+        bool rowBySource;
+        bool columnBySource;
+        bool columnByDestination;
+    };
+    Error Dispatch(const Cursor& src, const Cursor& dst, bool check, Axes axes, const UnaryEntry* table,
+        std::size_t entryCount) const;
+
+private:
+    mutable std::uint32_t row = 0;
+    mutable std::uint32_t column = 0;
+};
+
+/// A functor from two sources to a destination.
+class TESSERA_API BinaryBase : public FunctorBase {
+public:
+    /// Checks and runs; returns as the unary form does.
+    virtual Error ProcessSeries(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const = 0;
+    virtual SeriesAttr GetDstAttr(const Cursor& lhs, const Cursor& rhs) const = 0;
+    virtual bool CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const = 0;
+
+protected:
+    Error Dispatch(const Cursor& lhs, const Cursor& rhs, const Cursor& dst, MutableArgs selector,
+        const BinaryEntry* table, std::size_t entryCount) const;
+};
+
+} // namespace MERVO::Tessera::Func

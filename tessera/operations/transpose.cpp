@@ -1,0 +1,112 @@
+#include <utility>
+#include <vector>
+
+#include "tessera/core/cell_walk.h"
+#include "tessera/core/data_frame.h"
+#include "tessera/core/date_time.h"
+#include "tessera/functors/copy_series.h"
+#include "tessera/functors/functor_factory.h"
+
+namespace MERVO::Tessera {
+namespace {
+
+constexpr unsigned int MOST_ROWS = 1024;
+
+using Cursors = std::vector<Cursor>;
+using TransposeKernel = void (*)(const Cursors& sources, const Cursors& results);
+
+/// Result column r takes element r of each source column. Working set: a place per source column.
+template <typename T>
+void TransposeCells(const Cursors& sources, const Cursors& results)
+{
+    std::vector<typename Iterator<CONTAINER_ARRAY, T>::Position> heads;
+    for (const Cursor& source : sources) {
+        heads.push_back(CursorAs<CONTAINER_ARRAY, T>(source).mHead);
+    }
+    ForEachCell<T>(results, static_cast<std::uint32_t>(sources.size()),
+        [&heads](auto&& cell, std::uint32_t sourceColumn, std::uint32_t sourceRow) {
+            cell = *(heads[sourceColumn] + static_cast<std::ptrdiff_t>(sourceRow));
+        });
+}
+
+constexpr auto TRANSPOSE_KERNELS =
+    ForEachValueType([](auto number) -> TransposeKernel { return &TransposeCells<ValueTypes::At<number()>>; });
+
+DataFrame Failed(ErrorCode code, const std::string& message)
+{
+    DataFrame result;
+    result.SetError({code, message});
+    return result;
+}
+
+DataFrame OutOfMemory() { return Failed(ERROR_OUT_OF_MEMORY, "out of memory on transposing"); }
+
+/// Why a window can't be transposed; code 0 where it can.
+Error Refusal(const DataFrameRef& table)
+{
+    const std::size_t rows = table.RowCount();
+    if (table.GetError().code != ERROR_NONE) {
+        LogError("Invalid input dataFrame %d", table.GetError().code);
+        return {table.GetError().code, "this is invalid DataFrame"};
+    }
+    if (table.ColumnCount() == 0) {
+        LogError("there is no cols in dataframe for transposing");
+        return {ERROR_EMPTY_TABLE, "there is no cols in dataframe"};
+    }
+    if (rows == 0) {
+        LogError("there is no rows in dataframe for transposing");
+        return {ERROR_EMPTY_TABLE, "there is no rows in dataframe"};
+    }
+    if (rows > MOST_ROWS) {
+        LogError("cannot transpose DataFrame contains more than 1024 rows, current number of rows: %zu", rows);
+        return {ERROR_FAILED_TABLE, "Invalid dataFrame"};
+    }
+    if (table.Type() == MIX_TYPE || table.Type() == TESSERA_INVALID) {
+        table.SetError({ERROR_MIXED_TYPES, "Cannot transpose on MIX_TYPE dataframe with: "});
+        return {ERROR_MIXED_TYPES, "dataframe is mix-type"};
+    }
+    const ContainerID container = table.ContainerType();
+    if (container < CONTAINER_BEGIN || container >= CONTAINER_END) {
+        LogError("Container %d should be in range of [CONTAINER_BEGIN, CONTAINER_END) for transposing",
+            static_cast<int>(container));
+        return {ERROR_BAD_KIND, "Container Type is out of range"};
+    }
+    return {};
+}
+
+} // namespace
+
+DataFrame DataFrameRef::Transpose() const
+{
+    const Error refusal = Refusal(*this);
+    if (refusal.code != ERROR_NONE) {
+        return Failed(refusal.code, refusal.message);
+    }
+    Cursors sources;
+    for (unsigned int k = 0; k < ColumnCount(); ++k) {
+        const SeriesPtr& column = GetColumn(k);
+        sources.push_back(column->Size() < RowCount() ? nullptr : column->GetIterator(0, RowCount()));
+        if (sources.back() == nullptr) {
+            return OutOfMemory();
+        }
+    }
+    const SeriesAttr attr = WithLength(sources.front()->GetAttr(), ColumnCount());
+    Columns columns;
+    Cursors results;
+    for (unsigned int row = 0; row < RowCount(); ++row) {
+        columns.push_back(BuildSeries(attr, "col_" + std::to_string(row)));
+        results.push_back(columns.back()->GetIterator());
+        if (results.back() == nullptr) {
+            return OutOfMemory();
+        }
+    }
+    // Cells are copied as CopySeries copies them, so a container that it does not serve is refused by its own factory.
+    const auto copier = Func::FunctorFactory<Func::CopySeries, Func::UnaryBase>{}(attr.containerId);
+    if (!copier->CheckParams(results.front(), results.front())) {
+        return Failed(ERROR_PARAMETERS_REFUSED, "Check param failed in functor: " + copier->GetName());
+    }
+    TRANSPOSE_KERNELS[static_cast<std::size_t>(attr.typeId)](sources, results);
+    return DataFrame(std::move(columns));
+}
+
+} // namespace MERVO::Tessera
