@@ -1,0 +1,316 @@
+// Runs seeded operations and holds digests of all result bits against tests/digests/recorded.txt, which is the same for
+// every compiler, optimisation and processor. After a wanted change of results, take over the lines that a run with
+// TESSERA_DIGEST_FILE=FILE leaves in FILE.
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <bit>
+#include <cstdlib>
+#include <ctime>
+#include <fstream>
+#include <limits>
+#include <map>
+#include <sstream>
+
+#include "tessera/core/date_range.h"
+#include "tessera/tessera.hpp"
+#include "tests/support/log_capture.h"
+
+namespace MERVO::Tessera {
+namespace {
+
+/// FNV-1a over 64 bits: simple, and any changed bit shows.
+class Digest {
+public:
+    void AddBytes(const void* data, std::size_t size)
+    {
+        const auto* bytes = static_cast<const unsigned char*>(data);
+        for (std::size_t i = 0; i < size; ++i) {
+            value = (value ^ bytes[i]) * 0x100000001B3ULL;
+        }
+    }
+    template <Arithmetic T>
+    void Add(T number)
+    {
+        AddBytes(&number, sizeof(number));
+    }
+    void Add(const std::string& text)
+    {
+        Add(static_cast<std::uint32_t>(text.size()));
+        AddBytes(text.data(), text.size());
+    }
+    void Add(const DateTime& time) { Add(static_cast<std::int32_t>(time.TimeStamp())); }
+    std::string Hex() const
+    {
+        std::ostringstream text;
+        text << std::hex << value;
+        return text.str();
+    }
+
+private:
+    std::uint64_t value = 0xCBF29CE484222325ULL;
+};
+
+/// SplitMix64: the same numbers everywhere, which the distributions of the standard library don't promise.
+class Random {
+public:
+    explicit Random(std::uint64_t seed) : state(seed) {}
+    std::uint64_t Next()
+    {
+        std::uint64_t mixed = state += 0x9E3779B97F4A7C15ULL;
+        mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9ULL;
+        mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EBULL;
+        return mixed ^ (mixed >> 31);
+    }
+    std::uint64_t Below(std::uint64_t bound) { return Next() % bound; }
+
+private:
+    std::uint64_t state;
+};
+
+/// Any bit pattern, near decimals, whole numbers, and what the IEEE formats hold besides numbers.
+template <std::floating_point T>
+T RandomCell(Random& random)
+{
+    using Bits = std::conditional_t<sizeof(T) == 8, std::uint64_t, std::uint32_t>;
+    constexpr T INFINITE = std::numeric_limits<T>::infinity();
+    switch (random.Below(8)) {
+    case 0:
+        return std::bit_cast<T>(static_cast<Bits>(random.Next()));
+    case 1:
+        return std::array<T, 5>{INFINITE, -INFINITE, T{0}, -T{0}, std::numeric_limits<T>::quiet_NaN()}[random.Below(5)];
+    case 2:
+        return static_cast<T>(static_cast<std::int64_t>(random.Next()));
+    case 3:
+        return static_cast<T>(random.Below(1000));
+    default:
+        return static_cast<T>(static_cast<std::int32_t>(random.Next())) / T{1000};
+    }
+}
+
+template <std::integral T>
+T RandomCell(Random& random)
+{
+    return static_cast<T>(random.Below(4) == 0 ? random.Below(100) : random.Next());
+}
+
+template <std::same_as<DateTime> T>
+T RandomCell(Random& random)
+{
+    return DateTime(static_cast<std::int32_t>(random.Next()));
+}
+
+/// Numbers in many spellings, dates, and words.
+template <std::same_as<std::string> T>
+T RandomCell(Random& random)
+{
+    const auto number = static_cast<std::int64_t>(random.Next()) >> random.Below(60);
+    switch (random.Below(7)) {
+    case 0:
+        return std::to_string(number);
+    case 1:
+        return std::to_string(number) + "." + std::to_string(random.Below(1000000));
+    case 2:
+        return "-0." + std::to_string(random.Below(1000)) + "e" + std::to_string(random.Below(200));
+    case 3:
+        return " +" + std::to_string(random.Below(100)) + "rest";
+    case 4:
+        return std::to_string(1900 + random.Below(140)) + "-" + std::to_string(random.Below(14)) + "-" +
+            std::to_string(random.Below(40)) + " 7:8";
+    case 5:
+        return random.Below(2) == 0 ? "" : "word";
+    default:
+        return std::array<const char*, 4>{"inf", "nan", "0x1p-3", "1e-300"}[random.Below(4)];
+    }
+}
+
+template <typename T>
+DataFrame RandomTable(unsigned int rows, unsigned int columns)
+{
+    Random random(std::uint64_t{rows} * 1000 + columns);
+    std::vector<T> cells(std::size_t{rows} * columns);
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        cells[i] = RandomCell<T>(random);
+    }
+    DataFrame table;
+    EXPECT_EQ(table.ReadVector<T>(cells, {rows, columns}), 0);
+    return table;
+}
+
+template <typename T>
+void AddColumn(Digest& digest, const Cursor& cursor)
+{
+    Func::ForEachElement<T>(cursor, [&digest](const auto& cell) { digest.Add(static_cast<const T&>(cell)); });
+}
+
+/// Code, shape, types and cells of a table.
+void AddTable(Digest& digest, const DataFrame& table)
+{
+    digest.Add(table.GetError().code);
+    digest.Add(table.RowCount());
+    for (unsigned int k = 0; k < table.ColumnCount(); ++k) {
+        const Cursor cursor = table.GetSlicedIterator(table.GetColumn(k));
+        const MERVO_TESSERA_TYPEID type = cursor->GetAttr().typeId;
+        digest.Add(static_cast<std::int32_t>(type));
+        [&]<std::size_t... I>(std::index_sequence<I...>)
+        {
+            ((type == static_cast<MERVO_TESSERA_TYPEID>(I) ? AddColumn<ValueTypes::At<I>>(digest, cursor) : void()),
+                ...);
+        }
+        (std::make_index_sequence<TESSERA_DATAFRAME>{});
+    }
+}
+
+class Digests : public testing::Test {
+protected:
+    /// Calendar times are the process's zone's; the digests are those of UTC.
+    Digests()
+    {
+        const char* present = std::getenv("TZ");
+        zone = present == nullptr ? "" : present;
+        setenv("TZ", "UTC0", 1);
+        tzset();
+    }
+    ~Digests() override
+    {
+        zone.empty() ? unsetenv("TZ") : setenv("TZ", zone.c_str(), 1);
+        tzset();
+    }
+
+    static std::map<std::string, std::string> Recorded()
+    {
+        std::map<std::string, std::string> recorded;
+        std::ifstream file("tests/digests/recorded.txt");
+        std::string word;
+        std::string name;
+        std::string hex;
+        while (file >> word >> name >> hex) {
+            recorded[name] = hex;
+        }
+        return recorded;
+    }
+
+    static void Settle(const std::string& name, const Digest& digest)
+    {
+        if (const char* path = std::getenv("TESSERA_DIGEST_FILE")) {
+            std::ofstream(path, std::ios::app) << "digest " << name << ' ' << digest.Hex() << '\n';
+        }
+        EXPECT_EQ(digest.Hex(), Recorded()[name]) << "of " << name;
+    }
+
+    const LogCapture log; // some casts fail, by intention
+    std::string zone;
+};
+
+template <typename T>
+void AddCasts(Digest& digest)
+{
+    for (const unsigned int rows : {1U, 63U, 1000U}) {
+        const DataFrame source = RandomTable<T>(rows, 3);
+        for (std::int32_t type = TESSERA_BOOL; type < TESSERA_DATAFRAME; ++type) {
+            DataFrame result;
+            const Func::FunctorFactory<Func::TypeCast, Func::UnaryBase, MERVO_TESSERA_TYPEID> make{
+                static_cast<MERVO_TESSERA_TYPEID>(type)};
+            digest.Add(result.ApplyInplace(make, source));
+            AddTable(digest, result.GetError().code == 0 ? result : DataFrame());
+        }
+    }
+}
+
+template <typename T>
+void AddReductions(Digest& digest)
+{
+    using namespace Func;
+    const UnaryFactory makers[] = {FunctorFactory<Sum, UnaryBase>{}, FunctorFactory<Mean, UnaryBase>{},
+        FunctorFactory<Max, UnaryBase>{}, FunctorFactory<Min, UnaryBase>{}, FunctorFactory<Ptp, UnaryBase>{},
+        FunctorFactory<IdxMax, UnaryBase>{}};
+    for (const unsigned int rows : {1U, 2U, 7U, 64U, 1000U}) {
+        const DataFrame source = RandomTable<T>(rows, 5);
+        for (const UnaryFactory& make : makers) {
+            DataFrame result;
+            digest.Add(result.ApplyInplace(make, source));
+            AddTable(digest, result.GetError().code == 0 ? result : DataFrame());
+        }
+    }
+}
+
+template <typename Add>
+void ForEachFlatType(Add add)
+{
+    [&]<std::size_t... I>(std::index_sequence<I...>) { (add(std::type_identity<ValueTypes::At<I>>{}), ...); }
+    (std::make_index_sequence<TESSERA_DATAFRAME>{});
+}
+
+TEST_F(Digests, OfCasts)
+{
+    ForEachFlatType([]<typename T>(std::type_identity<T>) {
+        Digest digest;
+        AddCasts<T>(digest);
+        Settle("cast_" + GetTypeNameById(TYPE_ID_OF<T>), digest);
+    });
+}
+
+TEST_F(Digests, OfReductions)
+{
+    ForEachFlatType([]<typename T>(std::type_identity<T>) {
+        Digest digest;
+        AddReductions<T>(digest);
+        Settle("reduce_" + GetTypeNameById(TYPE_ID_OF<T>), digest);
+    });
+}
+
+TEST_F(Digests, OfDateRanges)
+{
+    Random random(7);
+    Digest digest;
+    for (int i = 0; i < 300; ++i) {
+        const auto absentOr = [&random](bool isAbsent) {
+            return DateTime(isAbsent ? 0x7FFFFFFFL : static_cast<std::int32_t>(random.Next()));
+        };
+        const std::uint64_t left = random.Below(4);
+        const DateTime start = absentOr(left == 0);
+        const DateTime end = absentOr(left == 1);
+        const DateTime step(left == 2 ? 0x7FFFFFFFL : static_cast<long>(random.Below(1U << 30)) - (1L << 29));
+        for (const DateTime& time :
+            DateRange(start, end, left == 3 ? 0U : static_cast<unsigned int>(random.Below(50)), step)) {
+            digest.Add(time);
+            digest.Add(time.ToString());
+        }
+    }
+    Settle("date_ranges", digest);
+}
+
+TEST_F(Digests, OfCsvText)
+{
+    DataFrame::Columns columns;
+    Random random(11);
+    const auto add = [&]<typename T>(std::type_identity<T>) {
+        SeriesPtr column = BuildSeries({200, CONTAINER_ARRAY, TYPE_ID_OF<T>}, GetTypeNameById(TYPE_ID_OF<T>));
+        for (std::uint32_t i = 0; i < 200; ++i) {
+            EXPECT_TRUE(SetValueToIterator<T>(column->GetIterator(), RandomCell<T>(random), i));
+        }
+        columns.push_back(std::move(column));
+    };
+    ForEachFlatType(add);
+    const DataFrame table(std::move(columns));
+    const std::string path = testing::TempDir() + "/tessera_digest.csv";
+    ASSERT_EQ(table.ToCSV(path, true, ";"), 0);
+
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    Digest digest;
+    digest.Add(text.str());
+    const DataFrame::Types types{TESSERA_BOOL, TESSERA_INT8, TESSERA_UINT8, TESSERA_INT16, TESSERA_UINT16,
+        TESSERA_INT32, TESSERA_UINT32, TESSERA_INT64, TESSERA_UINT64, TESSERA_FLOAT, TESSERA_DOUBLE, TESSERA_STRING,
+        TESSERA_DATETIME};
+    DataFrame again;
+    digest.Add(again.ReadCSV(path, types, true, ";"));
+    AddTable(digest, again);
+    std::remove(path.c_str());
+    Settle("csv", digest);
+}
+
+} // namespace
+} // namespace MERVO::Tessera
