@@ -11,7 +11,9 @@ recorded=tests/exported_symbols.txt
 
 exported=$(mktemp)
 trap 'rm -f "$exported"' EXIT
-nm --dynamic --defined-only --format=just-symbols "$library" | c++filt | sort -u > "$exported"
+nm --dynamic --defined-only --format=just-symbols "$library" | c++filt |
+    sed 's/std::__cxx11::basic_string<char, std::char_traits<char>, std::allocator<char> >/std::string/g' |
+    sort -u > "$exported"
 if [[ ${1:-} == --update ]]; then
     cp "$exported" "$recorded"
 fi

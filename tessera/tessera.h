@@ -4,8 +4,8 @@
 /**
  * Every flat call of Tessera, in plain C99: tables behind opaque handles, typed buffers in and out, codes as results.
  *
- * A handle holds one table, or one window on the columns of a table. It belongs to the host, which releases it once, and
- * to one thread at a time. Buffers and records stay the host's; nothing is kept of them after a call.
+ * A handle holds one table, or one window on the columns of a table. It belongs to the host, which releases it once,
+ * and to one thread at a time. Buffers and records stay the host's; nothing is kept of them after a call.
  *
  * Codes. 0 is success. A call on tables returns the code that the receiving table holds afterwards; a table keeps its
  * first failure, so a table that failed once returns that code ever after.
@@ -146,7 +146,8 @@ MERVO_TSR_API int32_t ReadDataString(MERVO_TSR_CONTEXT* handle, const char* cons
  * MERVO::Tessera::DataFrame; the caller constructs these, so these three are for C++ hosts.
  * @param handle a table or window.
  * @param result receives the cells and both counts.
- * @return 0, or 33: a null pointer, also among result->rows, or a handle that holds neither or both; 3: no memory.
+ * @return 0, or 33: a null pointer, also among result->rows, or a handle that holds neither or both; 5: a window whose
+ *         columns its table has replaced by fewer or shorter ones; 3: no memory.
  */
 MERVO_TSR_API int32_t MERVO_TSR_GetResultBool(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result);
 MERVO_TSR_API int32_t MERVO_TSR_GetResultInt8(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result);
@@ -176,7 +177,8 @@ MERVO_TSR_API int32_t MERVO_TSR_GetResultDataFrame(MERVO_TSR_CONTEXT* handle, ME
  * @return dst's code: 0, or 33: a handle fails its check; 1: a text out of the target's range, or a pair that has no
  *         conversion; 5: no such type; 7: src has no columns (told by the log, not stored); 3: no memory.
  */
-MERVO_TSR_API int32_t MERVO_TSR_TypeCast(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, MERVO_TESSERA_TYPEID type);
+MERVO_TSR_API int32_t MERVO_TSR_TypeCast(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, MERVO_TESSERA_TYPEID type);
 MERVO_TSR_API int32_t MERVO_TSR_TypeCastBool(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
 MERVO_TSR_API int32_t MERVO_TSR_TypeCastInt8(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
 MERVO_TSR_API int32_t MERVO_TSR_TypeCastUint8(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
@@ -226,6 +228,63 @@ MERVO_TSR_API int32_t MERVO_TSR_Max(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONT
 MERVO_TSR_API int32_t MERVO_TSR_Min(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
 MERVO_TSR_API int32_t MERVO_TSR_Ptp(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
 MERVO_TSR_API int32_t MERVO_TSR_IdxMax(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+
+/**
+ * Statistics of each column of src, as one cell of dst: float for float columns, double for other numbers.
+ *
+ * With n elements x and their mean m:
+ * Var:    the sum of (x - m)^2 over n - ddof; a ddof of n divides by zero, a greater one turns the sign.
+ * Std:    the root of that sum over n - ddof, which here wraps in 32 bits; a ddof of n gives NaN.
+ * Moment: the sum of (x - m)^degree over n.
+ * Kstat:  the k-statistic of degree 1 to 4, the unbiased estimate of a cumulant (R. A. Fisher, "Moments and Product
+ *         Moments of Sampling Distributions", 1930). Fewer elements than the degree give infinity or NaN.
+ * NaN goes through all four to the result. Var, Std and Moment take bools as 0 and 1.
+ * @param dst receives 1 row by c columns, named as in src. A window receives only if it has one row of fitting types.
+ * @param src n rows by c columns of numbers; only read.
+ * @return dst's code: 0, or 33: a handle fails its check; 5: a column of strings, stamps or tables, or a degree outside
+ *         1 to 4 (Kstat); 1: bools (Kstat); 21: no rows (Kstat); 3: no memory.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_Var(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, uint32_t ddof);
+MERVO_TSR_API int32_t MERVO_TSR_Std(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, uint32_t ddof);
+MERVO_TSR_API int32_t MERVO_TSR_Moment(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, uint32_t degree);
+MERVO_TSR_API int32_t MERVO_TSR_Kstat(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, uint32_t degree);
+
+/**
+ * Skewness and excess kurtosis of each column of src, computed in double, as one cell of dst: float for float columns,
+ * double for other numbers.
+ *
+ * With bias they are g1 and g2 of the elements, without it G1 and G2, estimates for the population (D. N. Joanes and
+ * C. A. Gill, "Comparing Measures of Sample Skewness and Kurtosis", 1998). Too few elements for a formula give NaN, and
+ * so does the G1 of equal ones; a magnitude below the epsilon of the result's type is 0.
+ * @param dst     receives 1 row by c columns, named as in src. A window receives only if it has one row of fitting
+ *                types.
+ * @param src     n rows by c columns of numbers; only read.
+ * @param skipNan leaves NaN out; without it a NaN is the result.
+ * @return dst's code: 0, or 33: a handle fails its check; 5: a column of strings, stamps or tables; 1: a column of
+ *         bools; 3: no memory.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_Skew(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, bool skipNan, bool bias);
+MERVO_TSR_API int32_t MERVO_TSR_Kurt(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, bool skipNan, bool bias);
+
+/**
+ * The sum or mean of a moving window, for each row of each column of src.
+ *
+ * Row i covers rows i - window + 1 to i; centred, rows i - window / 2 to i + window - 1 - window / 2. Each window is
+ * added newest row first. NaN and rows beyond either end count as missing, and are left out.
+ * @param dst        receives n rows by c columns, named as in src: double for integer columns, else of the column's
+ *                   type.
+ * @param src        n rows by c columns of numbers; only read.
+ * @param window     width in rows. 0 gives zeros; more than n gives NaN everywhere.
+ * @param center     puts row i in the middle of its window, with the odd row of an even window before it.
+ * @param minPeriods how many present rows a window needs, else its result is NaN. 0xFFFFFFFF: none may be missing. More
+ *                   than window: no result is NaN for want of rows.
+ * @return dst's code: 0, or 33: a handle fails its check; 21: a column of bools, or no memory for partial sums; 1: a
+ *         column of strings, stamps or tables; 3: no memory.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_RollingSum(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, uint32_t window, bool center, uint32_t minPeriods);
+MERVO_TSR_API int32_t MERVO_TSR_RollingMean(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, uint32_t window, bool center, uint32_t minPeriods);
 
 #ifdef __cplusplus
 } /* extern "C" */

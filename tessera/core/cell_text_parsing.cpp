@@ -147,7 +147,7 @@ inline const char* ReadDigits(const char* at, const char* end, std::uint64_t& va
     return at;
 }
 
-/// Reads what follows the mantissa; 0 if that is no exponent. Stops growing where nothing can bring a number back.
+/// Reads what follows the mantissa; 0 if that is no exponent. Stops growing where nothing brings a number back.
 inline std::int64_t ReadExponent(const char* at, const char* end)
 {
     constexpr std::int64_t LIMIT = 1'000'000'000'000'000;
@@ -183,9 +183,7 @@ inline std::optional<Decimal> ReadDecimal(const char* first, const char* end)
         return std::nullopt;
     }
     if (digits > DIGITS_THAT_FIT) { // but zeros in front don't count
-        const char* const significant = std::find_if(first, at, [](char c) { return c != '0' && c != '.'; });
-        const std::ptrdiff_t points = std::count(significant, at, '.');
-        digits = at - significant - points;
+        digits = at - std::find_if(first, at, [](char c) { return c != '0' && c != '.'; });
     }
     return Decimal{mantissa, ReadExponent(at, end) - fractionDigits, digits <= DIGITS_THAT_FIT};
 }
@@ -287,14 +285,10 @@ Parsed<double> ParseByLibrary(std::string_view text)
 
 Parsed<double> ParseUnsettled(std::string_view text, const char* number, bool isNegative)
 {
-    constexpr std::ptrdiff_t SURELY_RIGHT = 1 << 14; // far below the exponents at which std::from_chars stops counting
-    const char* const end = text.data() + text.size();
     double magnitude = 0.0;
-    if (end - number < SURELY_RIGHT) {
-        const std::from_chars_result result = std::from_chars(number, end, magnitude);
-        if (result.ec == std::errc{} && IsOrdinary(magnitude)) {
-            return {isNegative ? -magnitude : magnitude, 0};
-        }
+    const std::from_chars_result result = std::from_chars(number, text.data() + text.size(), magnitude);
+    if (result.ec == std::errc{} && IsOrdinary(magnitude)) {
+        return {isNegative ? -magnitude : magnitude, 0};
     }
     return ParseByLibrary(text);
 }

@@ -21,9 +21,11 @@ void WalkInBlocks(std::vector<ColumnWalk<Position>>& walks, std::uint32_t rows, 
     for (std::uint32_t first = 0; first < rows;) {
         const std::uint32_t last = first + std::min(blockRows, rows - first);
         for (ColumnWalk<Position>& walk : walks) {
-            for (std::uint32_t row = first; row < last; ++row, ++walk.place) {
-                visit(*walk.place, row, walk.column);
+            Position place = walk.place; // a copy, which a write to a byte can't touch
+            for (std::uint32_t row = first; row < last; ++row, ++place) {
+                visit(*place, row, walk.column);
             }
+            walk.place = place;
         }
         first = last;
     }
@@ -32,13 +34,14 @@ void WalkInBlocks(std::vector<ColumnWalk<Position>>& walks, std::uint32_t rows, 
 /**
  * Calls visit(cell, row, column) for every cell of columns of value type T, column by column within blocks of rows.
  *
- * That is how row-major memory meets columns: a block of its rows stays in cache while each column passes over it.
+ * That is how row-major memory meets columns: a block of its rows stays in cache while each column passes over it. The
+ * block is small, so that the processor fetches the next one while it works on this one.
  * Working set: a record per column.
  */
 template <typename T, typename Visit>
 void ForEachCell(const std::vector<Cursor>& columns, std::uint32_t rows, Visit&& visit)
 {
-    constexpr std::size_t BLOCK_BYTES = 16 * 1024;
+    constexpr std::size_t BLOCK_BYTES = 2 * 1024;
     constexpr std::size_t FEWEST_ROWS = 8;
     using ArrayPosition = typename Iterator<CONTAINER_ARRAY, T>::Position;
     using LinkPosition = typename Iterator<CONTAINER_LIST, T>::Position;

@@ -66,8 +66,8 @@ Error ColumnLoader::CastColumns(MERVO_TESSERA_TYPEID loadedType)
         SeriesPtr target = BuildSeries(WithType(columns[c]->GetAttr(), types[c]), columns[c]->GetName());
         const Error failure = CastSeries(columns[c], target);
         if (failure.code != ERROR_NONE) {
-            LogError("Failed to cast %d to %d when error happens", static_cast<int>(loadedType),
-                static_cast<int>(types[c]));
+            LogError(
+                "Failed to cast %d to %d when error happens", static_cast<int>(loadedType), static_cast<int>(types[c]));
             columns.resize(c); // those behind were never cast
             return {failure.code, "Failed to cast form 2d vector"};
         }

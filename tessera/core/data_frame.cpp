@@ -66,7 +66,7 @@ DataFrame& DataFrame::operator=(DataFrameRef&& other)
     ShallowCopy(other);
     series = std::move(selected);
     colIndex = {0, other.ColumnCount()};
-    isColNameDirty = true; // the positions in the slice's map are those of the old columns
+    isColNameDirty = true;            // the positions in the slice's map are those of the old columns
     static_cast<void>(RefreshView()); // a failure is in the table
     return *this;
 }

@@ -57,8 +57,8 @@ public:
     /**
      * Runs a unary functor over the rows of src instead of its columns: its r-th result row comes from src's row r.
      * @tparam T src's one value type.
-     * @return 0, or 2: src mixes containers; 7: src has no columns; 22: src or this table mixes value types or has none;
-     *         the code of a table that failed before; or the functor's code.
+     * @return 0, or 2: src mixes containers; 7: src has no columns; 22: src or this table mixes value types or has
+     * none; the code of a table that failed before; or the functor's code.
      */
     template <typename T>
     [[nodiscard]] ErrorCode ApplyRowInplace(const UnaryFactory& factory, const DataFrame& src)
@@ -122,13 +122,16 @@ public:
 
     /**
      * Reads a file of lines of fields into an empty table. Nothing is quoted; empty lines are passed over, CR LF ends a
-     * line as LF does, and a line that ends in the separator has an empty field behind it.
+     * line as LF does, and a line that ends in the separator has an empty field behind it. Fields become cells as by a
+     * cast from string. The file is held in memory until it is read.
+     * @param path      a regular file or a pipe.
      * @param types     one value type per column.
      * @param hasHeader takes the first line for the names; otherwise they are "col_0", "col_1" and so on.
      * @param separator one byte or more.
-     * @return 0, or 2: the table has columns, no separator, no such file, no content, lines of different field counts,
-     * or another count of types; 3: no memory; 1: a field that can't be cast, which the table then holds, with the
-     *         columns before it; or the table's own.
+     * @return 0, or 2: the table has columns, no separator, no such file, no content, lines of different field counts
+     *         (the log tells the line, counted from 1), or another count of types; 3: no memory; 1: a field that can't
+     *         be cast, and 5: a type that is none, which the table then holds, with the columns before it; or the
+     *         table's own.
      */
     [[nodiscard]] ErrorCode ReadCSV(std::string path, const Types& types, bool hasHeader, const std::string& separator);
     /// The same with one value type for all columns; any but uint8_t.
@@ -138,13 +141,14 @@ public:
         static_assert(ValueTypes::NumberOf<T> >= 0 && !std::is_same_v<T, std::uint8_t>);
         return ReadUniformCSV(std::move(path), TYPE_ID_OF<T>, hasHeader, separator);
     }
-    /// Appends all fields of a file to cells, and tells the fields per line. Returns 0, or 2 as ReadCSV.
+    /// Appends all fields of a file to cells, and tells the fields per line. Returns 0, 2 or 3 as ReadCSV; with 2 or 3
+    /// cells may hold a part of the file.
     [[nodiscard]] ErrorCode GetCSVVec(
         const std::string& path, const std::string& separator, std::vector<std::string>& cells, unsigned int& columns);
     /// Appends the fields of one line to cells; returns their number, 0 for a line without content.
     static unsigned int Str2Vector(
         const std::string& line, const std::string& separator, std::vector<std::string>& cells);
-    /// Makes the table from the fields of GetCSVVec. Returns 0, 1 or 2 as ReadCSV.
+    /// Makes the table anew from the fields of GetCSVVec; with 2 or 3 it keeps what it held. Returns as ReadCSV.
     [[nodiscard]] ErrorCode ReadFormVec(
         const std::vector<std::string>& cells, unsigned int columns, const Types& types, bool hasHeader);
 

@@ -64,6 +64,25 @@ public:
     /// Copies cell values into the window. A failure is stored as "operator = (assign) failed".
     DataFrameRef& operator=(const DataFrameRef& other);
 
+    /**
+     * Compute with this table as left operand and destination, cell by cell, and return it. Columns are paired as by
+     * the operators of tessera/functors/table_operators.h; a window keeps its length and value type.
+     *
+     * After a failure this table holds the first code and "operator+= failed", or the text of the other operator.
+     */
+    DataFrameRef& operator+=(const DataFrameRef& rhs);
+    DataFrameRef& operator-=(const DataFrameRef& rhs);
+    DataFrameRef& operator*=(const DataFrameRef& rhs);
+    DataFrameRef& operator/=(const DataFrameRef& rhs);
+    DataFrameRef& operator%=(const DataFrameRef& rhs);
+    DataFrameRef& operator&=(const DataFrameRef& rhs);
+    DataFrameRef& operator|=(const DataFrameRef& rhs);
+
+    /// Tell whether any, or each, cell of a table of bools is true. False, with an error in the log, for a table that
+    /// failed before, is not of bools only, or has no cells.
+    bool Any() const;
+    bool All() const;
+
     /// The columns' common value type; MIX_TYPE (15) if they differ; -1 for a failed table or an empty window.
     MERVO_TESSERA_TYPEID Type() const;
     /// The columns' common container; -1 if they differ, for a failed table or an empty window.
@@ -96,10 +115,11 @@ public:
      * line feed does not survive reading back.
      *
      * A regular file is written beside its place and put there when it is whole, so a failure leaves what was there.
+     * It keeps its permissions, and a link stays a link. A device or a pipe is written straight.
      * @param path      an existing folder's file; replaced if it exists.
      * @param writeHeader puts the column names in front.
      * @return 0, or 2: an empty separator, a table that has no text form, a folder that does not exist, a file that
-     * can't be written, or a full disk. Nothing is stored in the table.
+     *         can't be written, or a full disk; 3: no memory. Nothing is stored in the table.
      */
     [[nodiscard]] ErrorCode ToCSV(std::string path, bool writeHeader, const std::string& separator) const;
     /// Resolves a path of an existing file or folder in place; false if it is longer than 4096 bytes or can't be
@@ -123,6 +143,9 @@ protected:
     ErrorCode CopyApply(const UnaryFactory& factory, const DataFrameRef& src);
     ErrorCode CopyApply(const BinaryFactory& factory, const DataFrameRef& lhs, const DataFrameRef& rhs);
     ErrorCode TempToThis(const Columns& results);
+    /// Replaces the text of a failure, also of an earlier one, by that of the operator in which it showed.
+    DataFrameRef& FinishOperator(ErrorCode code, const char* failure);
+    DataFrameRef& AssignCombined(const BinaryFactory& factory, const DataFrameRef& rhs, const char* failure);
 };
 
 } // namespace MERVO::Tessera

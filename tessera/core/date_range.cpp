@@ -96,7 +96,7 @@ std::vector<DateTime> DateRange(
     if (!IsGiven(request.step)) {
         return length == 1 ? std::vector<DateTime>{start} : Divide(request.start, request.end, length);
     }
-    if (request.periods != 0 && !IsGiven(request.start)) {
+    if (!IsGiven(request.start)) {
         const auto last = static_cast<std::uint32_t>(request.end);
         return CountUp(last - (length - 1) * static_cast<std::uint32_t>(request.step), request.step, length);
     }

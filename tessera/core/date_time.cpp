@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <ostream>
-#include <utility>
 
+#include "tessera/core/local_time.h"
 #include "tessera/platform/logger.h"
 
 namespace MERVO::Tessera {
@@ -110,22 +109,27 @@ std::string DateTime::ToString() const
 
 ErrorCode DateTime::StringToTime(const std::string& text)
 {
-    if (text.empty()) {
-        Parse2Time();
-        return ERROR_NONE;
-    }
-    ::tm fields = {};
-    if (!ScanFields(text.c_str(), text.c_str() + std::strlen(text.c_str()), fields)) {
+    if (!ParseText(text)) {
         LogWarning("Failed to cast time %s", text.c_str());
         return ERROR_BAD_KIND;
     }
+    return ERROR_NONE;
+}
+
+bool DateTime::ParseText(std::string_view text)
+{
+    if (text.empty()) {
+        Parse2Time();
+        return true;
+    }
+    ::tm fields = {};
+    if (!ScanFields(text.data(), text.data() + std::min(text.find('\0'), text.size()), fields)) {
+        return false;
+    }
     fields.tm_year -= FIRST_YEAR;
     fields.tm_mon -= 1;
-    fields.tm_isdst = -1; // the zone's rules decide
-    calendar = fields;
-    const std::time_t seconds = std::mktime(&calendar);
-    stamp = std::in_range<std::int32_t>(seconds) ? static_cast<std::int32_t>(seconds) : -1;
-    return ERROR_NONE;
+    stamp = StampOfLocalTime(fields);
+    return true;
 }
 
 std::ostream& operator<<(std::ostream& stream, const DateTime& value) { return stream << value.ToString(); }

@@ -5,6 +5,7 @@
 #include <ctime>
 #include <iosfwd>
 #include <string>
+#include <string_view>
 
 #include "tessera/core/error.h"
 #include "tessera/platform/export.h"
@@ -44,9 +45,12 @@ public:
      * Numbers may have a sign and white space before them. What is missing, or follows the first character that doesn't
      * fit, counts as 0; fields beyond their range are carried over ("2024-13-01" is in January 2025). A time whose
      * stamp does not fit into 32 bits becomes -1. An empty text succeeds and changes nothing.
-     * @return 0, or 2: nothing but white space, or a NUL at its end; the value stays.
+     * @return 0, or 2: nothing but white space up to the end or to a NUL; the value stays.
      */
     ErrorCode StringToTime(const std::string& text);
+
+    /// As StringToTime, without a word to the log. False where that gives 2.
+    [[nodiscard]] bool ParseText(std::string_view text);
 
     friend bool operator==(const DateTime& left, const DateTime& right) { return left.stamp == right.stamp; }
     friend std::strong_ordering operator<=>(const DateTime& left, const DateTime& right)

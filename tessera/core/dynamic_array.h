@@ -2,10 +2,12 @@
 
 #include <cstdint>
 #include <initializer_list>
-#include <new>
+#include <iterator>
+#include <memory>
 #include <vector>
 
 #include "tessera/core/bit_position.h"
+#include "tessera/core/block.h"
 #include "tessera/platform/export.h"
 #include "tessera/platform/logger.h"
 
@@ -26,16 +28,23 @@ public:
         if (count == 0) {
             return;
         }
-        // Beyond this the compiler's size calculation would throw, in spite of std::nothrow, where sizes have 32 bits.
-        constexpr std::size_t MOST = static_cast<std::size_t>(PTRDIFF_MAX) / sizeof(T) - sizeof(T);
-        data = std::size_t{count} <= MOST ? new (std::nothrow) T[count] : nullptr;
-        if (data == nullptr) {
+        Block block(AllocateBlock(count, sizeof(T)));
+        if (block == nullptr) {
             LogError("Failed to create dynamic array, size %zu", static_cast<std::size_t>(count));
+            return;
         }
+        std::uninitialized_default_construct_n(static_cast<T*>(block.get()), count);
+        data = static_cast<T*>(block.release());
     }
     DynamicArray(const DynamicArray&) = delete;
     DynamicArray& operator=(const DynamicArray&) = delete;
-    virtual ~DynamicArray() { delete[] data; }
+    virtual ~DynamicArray()
+    {
+        const Block block(data);
+        if (data != nullptr) {
+            std::destroy(std::reverse_iterator(end()), std::reverse_iterator(begin()));
+        }
+    }
 
     T* begin() { return data; }
     const T* begin() const { return data; }
@@ -44,6 +53,13 @@ public:
 
     T* data = nullptr;
     std::uint32_t size;
+
+private:
+    static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__);
+    struct Release {
+        void operator()(void* block) const { FreeBlock(block); }
+    };
+    using Block = std::unique_ptr<void, Release>;
 };
 
 /**

@@ -24,7 +24,7 @@ std::int32_t Guarded(const char* call, Body&& body) noexcept
 /// Logs that a flat call was handed a null or unfit handle, and gives its code.
 std::int32_t RefuseHandle(const char* call) noexcept;
 
-/// The road of a unary flat call once it is guarded: test, pick, apply, report.
+/// The road of a unary flat call once it is guarded: test, pick, apply, report. Defined beside the apply paths.
 std::int32_t ApplyUnaryTo(
     const char* call, MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, const UnaryFactory& make);
 

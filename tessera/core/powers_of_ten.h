@@ -56,7 +56,7 @@ public:
 private:
     using Table = std::array<std::uint64_t, HIGHEST - LOWEST + 1>;
 
-    /// A significand of 128 bits: 345 steps that each cut off the last bit leave the upper half right.
+    /// A significand of 128 bits: 345 steps that each lose the last three bits leave the upper half right.
     struct Precise {
         std::uint64_t high = std::uint64_t{1} << 63;
         std::uint64_t low = 0;
@@ -90,8 +90,7 @@ private:
         const std::uint64_t high = (quotient[0] << 32) | quotient[1];
         const std::uint64_t low = (quotient[2] << 32) | quotient[3];
         const int shift = std::countl_zero(high);
-        const std::uint64_t rest = (remainder << shift) / 5;
-        return {(high << shift) | (low >> (64 - shift)), (low << shift) + rest};
+        return {(high << shift) | (low >> (64 - shift)), low << shift};
     }
 
     static consteval Table MakeTable()

@@ -23,9 +23,12 @@ ErrorCode ReadRows(const DataFrameRef& table, MERVO_TSR_RESULT& result)
         if (!AreBuffersThere(result, table.RowCount())) {
             return RefuseHandle("MERVO_TSR_GetResult");
         }
-        reader.Read<T>([&result](auto&& cell, std::size_t row, std::size_t column) {
+        const ErrorCode code = reader.Read<T>([&result](auto&& cell, std::size_t row, std::size_t column) {
             static_cast<T*>(result.rows[row])[column] = cell;
         });
+        if (code != ERROR_NONE) {
+            return code;
+        }
     }
     result.rowCount = table.RowCount();
     result.colCount = table.ColumnCount();

@@ -16,16 +16,20 @@ bool TableReader::CanRead(MERVO_TESSERA_TYPEID type, const char* target, const c
     return true;
 }
 
-bool TableReader::MakeCursors(std::vector<Cursor>& cursors) const
+ErrorCode TableReader::MakeCursors(std::vector<Cursor>& cursors) const
 {
     for (unsigned int k = 0; k < table.ColumnCount(); ++k) {
-        cursors.push_back(table.GetSlicedIterator(table.GetColumn(k)));
-        if (cursors.back() == nullptr) {
+        const SeriesPtr& column = table.GetColumn(k);
+        Cursor cursor = table.GetSlicedIterator(column);
+        if (cursor == nullptr) {
             LogError("Column %u of the window can't be read", k);
-            return false;
+            const DataFrameView::Range& rows = table.GetRowIndex();
+            const bool isThere = column != nullptr && rows[0] <= rows[1] && rows[1] <= column->Size();
+            return isThere ? ERROR_OUT_OF_MEMORY : ERROR_BAD_VALUE;
         }
+        cursors.push_back(std::move(cursor));
     }
-    return true;
+    return ERROR_NONE;
 }
 
 } // namespace MERVO::Tessera

@@ -16,20 +16,23 @@ public:
     /// Tells whether cells of a value type can be read; logs why not. `target` and `mismatch` are the caller's words.
     bool CanRead(MERVO_TESSERA_TYPEID type, const char* target, const char* mismatch) const;
 
-    /// Calls sink(cell, row, column) once for each cell. False when a column can't be reached (any more).
+    /**
+     * Calls sink(cell, row, column) once for each cell.
+     * @return 0, or without any call 5: a column is gone or got shorter than the window; 3: no memory for a cursor.
+     */
     template <typename T, typename Sink>
-    bool Read(Sink&& sink) const
+    [[nodiscard]] ErrorCode Read(Sink&& sink) const
     {
         std::vector<Cursor> cursors;
-        if (!MakeCursors(cursors)) {
-            return false;
+        const ErrorCode code = MakeCursors(cursors);
+        if (code == ERROR_NONE) {
+            ForEachCell<T>(cursors, table.RowCount(), sink);
         }
-        ForEachCell<T>(cursors, table.RowCount(), sink);
-        return true;
+        return code;
     }
 
 private:
-    bool MakeCursors(std::vector<Cursor>& cursors) const;
+    ErrorCode MakeCursors(std::vector<Cursor>& cursors) const;
 
     const DataFrameRef& table;
 };

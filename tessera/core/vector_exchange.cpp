@@ -113,9 +113,9 @@ typename VectorExchange<T>::Rows VectorExchange<T>::Write2D(const DataFrameRef& 
         return {};
     }
     Rows rows(table.RowCount(), std::vector<T>(table.ColumnCount()));
-    const bool isRead =
+    const ErrorCode code =
         reader.Read<T>([&rows](auto&& cell, std::size_t row, std::size_t column) { rows[row][column] = cell; });
-    return isRead ? rows : Rows{};
+    return code == ERROR_NONE ? rows : Rows{};
 }
 
 template <typename T>
@@ -127,9 +127,9 @@ std::vector<T> VectorExchange<T>::Write1D(const DataFrameRef& table)
     }
     const std::size_t columns = table.ColumnCount();
     std::vector<T> cells(columns * table.RowCount());
-    const bool isRead = reader.Read<T>(
+    const ErrorCode code = reader.Read<T>(
         [&cells, columns](auto&& cell, std::size_t row, std::size_t column) { cells[column + row * columns] = cell; });
-    return isRead ? cells : std::vector<T>{};
+    return code == ERROR_NONE ? cells : std::vector<T>{};
 }
 
 template class VectorExchange<bool>;

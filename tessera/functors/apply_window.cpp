@@ -235,9 +235,15 @@ ErrorCode DataFrameRef::ApplyInplace(const NullaryFactory& factory)
 
 DataFrameRef& DataFrameRef::operator=(const DataFrameRef& other)
 {
-    const ErrorCode code = ApplyInplace(Func::FunctorFactory<Func::CopySeries, Func::UnaryBase>{}, other);
+    return FinishOperator(
+        ApplyInplace(Func::FunctorFactory<Func::CopySeries, Func::UnaryBase>{}, other), "operator = (assign) failed");
+}
+
+DataFrameRef& DataFrameRef::FinishOperator(ErrorCode code, const char* failure)
+{
     if (code != ERROR_NONE) {
-        SetError({code, "operator = (assign) failed"});
+        SetError({code, failure});
+        error.message = failure;
     }
     return *this;
 }

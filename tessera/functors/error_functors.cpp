@@ -115,6 +115,13 @@ ErrorCode ErrorBinaryFunctor<CID>::OnExecute(const Cursor&, const Cursor&, const
     return ERROR_GENERAL;
 }
 
+template class ErrorNullaryFunctor<CONTAINER_ARRAY>;
+template class Nullary<ErrorNullaryFunctor<CONTAINER_ARRAY>>;
+template class ErrorUnaryFunctor<CONTAINER_ARRAY>;
+template class Unary<ErrorUnaryFunctor<CONTAINER_ARRAY>>;
+template class ErrorBinaryFunctor<CONTAINER_ARRAY>;
+template class Binary<ErrorBinaryFunctor<CONTAINER_ARRAY>>;
+
 namespace {
 
 template <typename Base, typename Functor>

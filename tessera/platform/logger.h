@@ -16,8 +16,8 @@ extern "C" TESSERA_API void ORLELogStr(int level, const char* tag, const char* f
 
 namespace MERVO::Tessera {
 
-/// Report to ORLELogStr at levels 1 to 4 under the library's tag, for the library and for functors of a host. They never
-/// throw.
+/// Report to ORLELogStr at levels 1 to 4 under the library's tag, for the library and for functors of a host. They
+/// never throw.
 TESSERA_API void LogError(const char* format, ...) noexcept __attribute__((format(printf, 1, 2)));
 TESSERA_API void LogWarning(const char* format, ...) noexcept __attribute__((format(printf, 1, 2)));
 TESSERA_API void LogNotice(const char* format, ...) noexcept __attribute__((format(printf, 1, 2)));

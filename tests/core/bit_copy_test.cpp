@@ -36,7 +36,8 @@ TEST(CopyBits, CopiesTheRangeAndNothingElseForAllOffsets)
     std::mt19937 random(11);
     for (std::uint32_t fromOffset = 0; fromOffset < 8; ++fromOffset) {
         for (std::uint32_t toOffset = 0; toOffset < 8; ++toOffset) {
-            for (const std::uint32_t count : {0U, 1U, 2U, 5U, 7U, 8U, 9U, 15U, 16U, 17U, 23U, 24U, 25U, 64U, 67U, 131U}) {
+            for (const std::uint32_t count :
+                {0U, 1U, 2U, 5U, 7U, 8U, 9U, 15U, 16U, 17U, 23U, 24U, 25U, 64U, 67U, 131U}) {
                 std::vector<std::uint8_t> from = RandomBytes(random, (fromOffset + count + 7) / 8);
                 std::vector<std::uint8_t> to = RandomBytes(random, (toOffset + count + 7) / 8);
                 const Bits source = BitsOf(from);

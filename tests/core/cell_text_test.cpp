@@ -236,8 +236,11 @@ std::vector<std::string> NastyTexts()
     texts.push_back("0." + std::string(800, '3'));
     texts.push_back("0." + std::string(400, '0') + "1e390");
     texts.push_back(std::string(200, '1') + "e-190");
-    texts.push_back("0." + std::string(70000, '0') + "25e70000"); // more zeros than some parsers count
-    texts.push_back("25" + std::string(70000, '0') + "e-70000");
+    // Zeros and exponents beyond the point where some parsers stop counting.
+    texts.push_back("0." + std::string(70000, '0') + "1234567890123456789012345e70000");
+    texts.push_back("0." + std::string(70000, '0') + "1234567890123456789012345e700000");
+    texts.push_back("1234567890123456789012345" + std::string(70000, '0') + "e-70000");
+    texts.push_back("1234567890123456789012345" + std::string(70000, '0') + "e-700000");
     return texts;
 }
 

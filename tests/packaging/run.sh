@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs a build into an empty prefix and builds hosts against it, as a user would: a C and a C++ program, each by the
-# CMake package and by pkg-config, and the programs that the README prints.
+# CMake package and by pkg-config, and the programs that the documents print.
 #   tests/packaging/run.sh BUILD_FOLDER
 set -euo pipefail
 cd "$(dirname "$0")/../.."
@@ -26,12 +26,12 @@ check() { # NAME COMMAND...
     fi
 }
 
-# Prints the first block of a language in the README, or with a third argument the block that follows it.
-readme_block() { # LANGUAGE [next]
-    awk -v language="$1" -v wanted="$((1 + $#))" '
+# Prints the first block of a language in a document, or with a third argument the block that follows it.
+document_block() { # DOCUMENT LANGUAGE [next]
+    awk -v language="$2" -v wanted="$#" '
         /^```/ && open { open = 0; next }
         /^```/ { open = 1; if (found || $0 == "```" language) found++; next }
-        open && found == wanted - 1' README.md
+        open && found == wanted - 1' "$1"
 }
 
 by_cmake() { # HOST
@@ -46,12 +46,13 @@ by_pkg_config() { # COMPILER... SOURCE
     "$@" -Wall -Wextra -Werror -o "$work/program" $flags && LD_LIBRARY_PATH=$libraries "$work/program"
 }
 
-readme_program() { # LANGUAGE SUFFIX COMPILER...
-    local file=$work/readme.$2
-    readme_block "$1" > "$file"
-    readme_block "$1" next > "$work/expected"
-    [[ -s $file && -s $work/expected ]] || { echo "README.md has no such program, or no output for it"; return 1; }
-    by_pkg_config "${@:3}" "$file" > "$work/printed" && diff "$work/printed" "$work/expected"
+# Builds and runs the first program of a language in a document, and holds its output against the block behind it.
+document_program() { # DOCUMENT LANGUAGE SUFFIX COMPILER...
+    local file=$work/document.$3
+    document_block "$1" "$2" > "$file"
+    document_block "$1" "$2" next > "$work/expected"
+    [[ -s $file && -s $work/expected ]] || { echo "$1 has no such program, or no output for it"; return 1; }
+    by_pkg_config "${@:4}" "$file" > "$work/printed" && diff "$work/printed" "$work/expected"
 }
 
 links_stand() {
@@ -71,8 +72,11 @@ check "C host, CMake package" by_cmake c_host
 check "C++ host, CMake package" by_cmake cpp_host
 check "C host, pkg-config" by_pkg_config cc -std=c99 -pedantic tests/packaging/c_host/host.c
 check "C++ host, pkg-config" by_pkg_config c++ -std=c++20 tests/packaging/cpp_host/host.cpp
-check "the README's C program" readme_program c c cc -std=c99 -pedantic
-check "the README's C++ program" readme_program cpp cpp c++ -std=c++20
+check "the README's C program" document_program README.md c c cc -std=c99 -pedantic
+check "the README's C++ program" document_program README.md cpp cpp c++ -std=c++20
+for document in docs/*.md; do
+    check "$document" document_program "$document" cpp cpp c++ -std=c++20
+done
 
 scripts/run_suite.py --record packaging $passed $failed
 ((failed == 0))

@@ -41,15 +41,9 @@ FailingAllocation::FailingAllocation(unsigned int spared, std::size_t fromBytes)
     sparedAllocations = spared;
 }
 
-FailingAllocation::~FailingAllocation()
-{
-    sparedAllocations = NEVER;
-}
+FailingAllocation::~FailingAllocation() { sparedAllocations = NEVER; }
 
-bool FailingAllocation::HasFailed()
-{
-    return hasFailed;
-}
+bool FailingAllocation::HasFailed() { return hasFailed; }
 
 } // namespace MERVO::Tessera
 

@@ -1,7 +1,6 @@
 #include "tests/support/log_capture.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -43,15 +42,18 @@ std::vector<std::string> LogCapture::Texts(int level) const
 extern "C" void ORLELogStr(int level, const char* tag, const char* format, ...)
 {
     va_list arguments;
+    va_list again;
     va_start(arguments, format);
-    std::array<char, 4096> text = {};
-    std::vsnprintf(text.data(), text.size(), format, arguments);
+    va_copy(again, arguments);
+    std::string text(static_cast<std::size_t>(std::vsnprintf(nullptr, 0, format, arguments)), ' ');
+    std::vsnprintf(text.data(), text.size() + 1, format, again);
+    va_end(again);
     va_end(arguments);
     const char* levelShown = std::getenv("TESSERA_LOG_LEVEL");
     if (levelShown != nullptr && level <= std::atoi(levelShown)) {
-        std::fprintf(stderr, "[%s] %s\n", tag, text.data());
+        std::fprintf(stderr, "[%s] %s\n", tag, text.c_str());
     }
     if (MERVO::Tessera::LogCapture* capture = MERVO::Tessera::innermost) {
-        capture->entries.push_back({level, tag, text.data()});
+        capture->entries.push_back({level, tag, text});
     }
 }

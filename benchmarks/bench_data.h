@@ -1,0 +1,80 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+
+#include "tessera/tessera.hpp"
+
+namespace MERVO::Tessera::Bench {
+
+inline constexpr std::uint32_t ROWS = 1000000;
+
+/// The path of a file of benchmark data. They lie in the folder that TESSERA_BENCH_DATA names, else in
+/// tessera-bench-data in the temporary folder.
+inline std::string DataPath(const std::string& file)
+{
+    const char* folder = std::getenv("TESSERA_BENCH_DATA");
+    const std::filesystem::path present =
+        folder != nullptr ? folder : std::filesystem::temp_directory_path() / "tessera-bench-data";
+    return (present / file).string();
+}
+
+/// The values of a raw little-endian file; none, and the benchmark marked as skipped, where there are fewer.
+template <typename T>
+std::vector<T> ReadRaw(benchmark::State& state, const std::string& file, std::size_t count)
+{
+    std::vector<T> values(count);
+    const auto bytes = static_cast<std::streamsize>(count * sizeof(T));
+    std::ifstream stream(DataPath(file), std::ios::binary);
+    if (!stream.read(reinterpret_cast<char*>(values.data()), bytes)) {
+        state.SkipWithError(("no data in " + DataPath(file) + "; make_data.py writes them").c_str());
+        values.clear();
+    }
+    return values;
+}
+
+/// A table of the columns of a raw file, which lie one after the other; without columns, and the benchmark marked as
+/// skipped, where the file has fewer.
+template <typename T>
+DataFrame ReadColumns(benchmark::State& state, const std::string& file, std::uint32_t columnCount)
+{
+    const std::vector<T> values = ReadRaw<T>(state, file, std::size_t{ROWS} * columnCount);
+    DataFrame::Columns columns;
+    for (std::size_t first = 0; first < values.size(); first += ROWS) {
+        SeriesPtr column = BuildSeries({ROWS, CONTAINER_ARRAY, TYPE_ID_OF<T>}, "col_" + std::to_string(columns.size()));
+        std::copy_n(values.data() + first, ROWS, CursorAs<CONTAINER_ARRAY, T>(column->GetIterator()).mHead);
+        columns.push_back(std::move(column));
+    }
+    return DataFrame(std::move(columns));
+}
+
+/// The sum over all cells of a table of numbers or strings, to be held against that of other systems. Where the order
+/// of rows is given, those of row i count 1 + i % 1009 times. NaN does not count, and a string counts as its length.
+template <typename T>
+double CheckOf(const DataFrame& table, bool isOrdered)
+{
+    double sum = 0.0;
+    for (unsigned int k = 0; k < table.ColumnCount(); ++k) {
+        std::uint32_t row = 0;
+        Func::ForEachElement<T>(table.GetSlicedIterator(table.GetColumn(k)), [&](const auto& cell) {
+            double value = 0.0;
+            if constexpr (std::is_same_v<T, std::string>) {
+                value = static_cast<double>(cell.size());
+            } else {
+                value = static_cast<double>(cell);
+            }
+            sum += value == value ? value * (isOrdered ? 1 + row % 1009 : 1) : 0.0;
+            ++row;
+        });
+    }
+    return sum;
+}
+
+} // namespace MERVO::Tessera::Bench

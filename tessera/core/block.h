@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstddef>
+
+namespace MERVO::Tessera {
+
+/**
+ * The raw memory of a column.
+ *
+ * Filling a fresh large block costs mostly its page faults, one for every 4 KiB; so a large block asks the system for
+ * huge pages. Those lie within the block: it takes up no more memory than without them.
+ * @return null where memory is short, or where so many elements have no room in the address space.
+ */
+void* AllocateBlock(std::size_t count, std::size_t elementSize) noexcept;
+void FreeBlock(void* block) noexcept;
+
+} // namespace MERVO::Tessera

@@ -1,0 +1,30 @@
+#include <new>
+
+#include "tessera/core/flat_call.h"
+#include "tessera/core/handles.h"
+#include "tessera/functors/functor_base.h"
+
+namespace MERVO::Tessera {
+
+std::int32_t ApplyUnaryTo(
+    const char* call, MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, const UnaryFactory& make)
+{
+    DataFrameRef* target = TableBehind(dst);
+    const DataFrameRef* source = TableBehind(src);
+    if (target == nullptr || source == nullptr) {
+        return RefuseHandle(call);
+    }
+    // For arrays a factory gives the error functor, which nobody owns, only when memory is short. Some paths would tell
+    // that by the log alone, and the call would pass for a success.
+    const UnaryFactory makeOrThrow = [&make](ContainerID container) {
+        FunctorPtr<Func::UnaryBase> functor = make(container);
+        if (container == CONTAINER_ARRAY && !functor.get_deleter().isOwner) {
+            throw std::bad_alloc();
+        }
+        return functor;
+    };
+    static_cast<void>(target->ApplyInplace(makeOrThrow, *source)); // the table keeps the code, and an earlier one wins
+    return target->GetError().code;
+}
+
+} // namespace MERVO::Tessera

@@ -1,0 +1,203 @@
+#include "tessera/functors/cast_kernels.h"
+
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tessera/core/cell_text.h"
+#include "tessera/core/data_frame.h"
+#include "tessera/core/date_time.h"
+#include "tessera/core/numeric_cast.h"
+#include "tessera/functors/cell_conversion.h"
+
+namespace MERVO::Tessera::Func {
+namespace {
+
+// ---- Copies
+
+template <typename T>
+ErrorCode CopyCells(const void* from, void* to, std::uint32_t count)
+{
+    const auto* source = static_cast<const T*>(from);
+    auto* target = static_cast<T*>(to);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        target[i] = source[i];
+    }
+    return ERROR_NONE;
+}
+
+template <std::size_t SIZE>
+ErrorCode CopyBytes(const void* from, void* to, std::uint32_t count)
+{
+    std::memmove(to, from, SIZE * count);
+    return ERROR_NONE;
+}
+
+// ---- Conversions that can't fail
+
+template <typename T>
+bool IsTrue(const T& value)
+{
+    if constexpr (std::is_floating_point_v<T>) {
+        return !(std::abs(value) <= std::numeric_limits<T>::epsilon()); // NaN is true
+    } else if constexpr (std::is_same_v<T, std::string>) {
+        return !value.empty();
+    } else {
+        return value != 0;
+    }
+}
+
+template <typename D, typename S>
+D ConvertCell(const S& from)
+{
+    if constexpr (std::is_same_v<S, DateTime>) {
+        return ConvertCell<D>(static_cast<std::int32_t>(from.TimeStamp()));
+    } else if constexpr (std::is_same_v<D, DateTime>) {
+        return DateTime(ConvertNumber<std::int32_t>(from));
+    } else if constexpr (std::is_same_v<D, bool>) {
+        return IsTrue(from);
+    } else {
+        return ConvertNumber<D>(from);
+    }
+}
+
+template <typename S, typename D>
+ErrorCode ConvertCells(const void* from, void* to, std::uint32_t count)
+{
+    const auto* source = static_cast<const S*>(from);
+    auto* target = static_cast<D*>(to);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        target[i] = ConvertCell<D>(source[i]);
+    }
+    return ERROR_NONE;
+}
+
+template <std::size_t SIZE>
+using UnsignedOf = std::conditional_t<SIZE == 1, std::uint8_t,
+    std::conditional_t<SIZE == 2, std::uint16_t, std::conditional_t<SIZE == 4, std::uint32_t, std::uint64_t>>>;
+
+/// The type under which a target is written. Integers wrap, so their sign alters no bit, unless a float is truncated.
+template <typename S, typename D>
+using WrittenAs = std::conditional_t<std::is_integral_v<D> && !std::is_same_v<D, bool> && !std::is_floating_point_v<S>,
+    UnsignedOf<sizeof(D)>, D>;
+
+/// The type under which a source is read. The sign of an integer matters only where it is widened.
+template <typename S, typename D>
+consteval auto ReadAs()
+{
+    constexpr bool IS_CUT = std::is_same_v<D, bool> || (std::is_integral_v<D> && sizeof(D) <= sizeof(S)) ||
+        (std::is_same_v<D, DateTime> && sizeof(std::int32_t) <= sizeof(S));
+    if constexpr (std::is_same_v<S, bool> || (std::is_integral_v<S> && IS_CUT)) {
+        return std::type_identity<UnsignedOf<sizeof(S)>>{};
+    } else {
+        return std::type_identity<S>{};
+    }
+}
+
+/// Pairs whose results have the same bits share a kernel.
+template <typename S, typename D>
+consteval CastKernel ConversionOf()
+{
+    if constexpr (std::is_integral_v<S> && std::is_integral_v<D> && !std::is_same_v<D, bool> &&
+        sizeof(S) == sizeof(D)) {
+        return &CopyBytes<sizeof(D)>;
+    } else {
+        return &ConvertCells<typename decltype(ReadAs<S, D>())::type, WrittenAs<S, D>>;
+    }
+}
+
+// ---- To text
+
+template <typename S>
+ErrorCode WriteCells(const void* from, void* to, std::uint32_t count)
+{
+    const auto* source = static_cast<const S*>(from);
+    auto* target = static_cast<std::string*>(to);
+    std::array<char, NUMBER_TEXT_ROOM> buffer = {};
+    static_assert(NUMBER_TEXT_ROOM >= READ_AHEAD);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        if constexpr (std::is_same_v<S, bool>) {
+            target[i].assign(source[i] ? 1 : 0, '1'); // an empty text is false again
+        } else if constexpr (std::is_same_v<S, DateTime>) {
+            target[i] = source[i].ToString();
+        } else {
+            const char* const end = WriteCell(buffer.data(), source[i]);
+            AssignText(target[i], buffer.data(), static_cast<std::size_t>(end - buffer.data()));
+        }
+    }
+    return ERROR_NONE;
+}
+
+// ---- From text
+
+template <typename D>
+ErrorCode ParseCells(const void* from, void* to, std::uint32_t count)
+{
+    const auto* source = static_cast<const std::string*>(from);
+    auto* target = static_cast<D*>(to);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        if (FromText(source[i], target[i]) != ERROR_NONE) {
+            return TellRefusedText<D>(source[i]);
+        }
+    }
+    return ERROR_NONE;
+}
+
+// ---- To nested tables
+
+template <typename S>
+ErrorCode WrapCells(const void* from, void* to, std::uint32_t count)
+{
+    const auto* source = static_cast<const S*>(from);
+    auto* target = static_cast<DataFrame*>(to);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        DataFrame table;
+        const ErrorCode code = table.ReadVector(std::vector<S>(1, source[i]), {1, 1});
+        if (code != ERROR_NONE) {
+            return code;
+        }
+        target[i] = std::move(table);
+    }
+    return ERROR_NONE;
+}
+
+// ---- All pairs
+
+template <typename S, typename D>
+consteval CastKernel KernelOf()
+{
+    if constexpr (std::is_same_v<S, D> && std::is_arithmetic_v<S>) {
+        return &CopyBytes<sizeof(S)>;
+    } else if constexpr (std::is_same_v<S, D>) {
+        return &CopyCells<S>;
+    } else if constexpr (std::is_same_v<D, DataFrame>) {
+        return &WrapCells<S>;
+    } else if constexpr (std::is_same_v<S, DataFrame> || (std::is_same_v<S, bool> && std::is_same_v<D, DateTime>)) {
+        return nullptr;
+    } else if constexpr (std::is_same_v<D, std::string>) {
+        return &WriteCells<S>;
+    } else if constexpr (std::is_same_v<S, std::string> && !std::is_same_v<D, bool>) {
+        return &ParseCells<D>;
+    } else {
+        return ConversionOf<S, D>();
+    }
+}
+
+/// Row by source, column by target.
+constexpr auto CAST_KERNELS = ForEachValueType([](auto from) {
+    using S = ValueTypes::At<from()>;
+    return ForEachValueType([](auto to) { return KernelOf<S, ValueTypes::At<to()>>(); });
+});
+
+} // namespace
+
+CastKernel CastKernelFor(MERVO_TESSERA_TYPEID from, MERVO_TESSERA_TYPEID to)
+{
+    return CAST_KERNELS[static_cast<std::size_t>(from)][static_cast<std::size_t>(to)];
+}
+
+} // namespace MERVO::Tessera::Func

@@ -1,0 +1,112 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "tessera/core/cursor.h"
+#include "tessera/core/error.h"
+
+namespace MERVO::Tessera::Func {
+
+/**
+ * Works on adjacent cells of two columns and a result. What a cell is there depends on its value type:
+ *
+ * a number is itself, a bool a byte, a DateTime its stamp as int32_t; a string or a nested table is a pointer to the
+ * cell in its column. `result` overlaps neither operand.
+ */
+using CellKernel = void (*)(const void* left, const void* right, void* result, std::uint32_t count);
+
+/// The walk over the cells of a cursor's range that operands and results have in common. The value type is known to the
+/// kernel alone, so that one loop serves all types and containers.
+class CellBlocks {
+public:
+    /// Cells of one block: three buffers of them fit into a first-level cache.
+    static constexpr std::uint32_t LONGEST = 512;
+
+protected:
+    explicit CellBlocks(const Cursor& cursor);
+
+    enum class Form : std::uint8_t { VALUES, STAMPS, ADDRESSES };
+
+    /// Calls visit(slot, cell) with the places of the next cells and their slots in the buffer.
+    template <typename Visit>
+    void ForEachCell(std::uint32_t count, Visit&& visit);
+
+    Form form = Form::VALUES;
+    bool isList = false;
+    bool isBits = false;
+    std::size_t slotSize = 0;     ///< of a cell as kernels see it
+    std::size_t elementSize = 0;  ///< of a cell in an array
+    std::byte* element = nullptr; ///< the next cell of an array
+    BitPosition bit;              ///< the next cell of an array of bools
+    alignas(std::uint64_t) std::array<std::byte, LONGEST * sizeof(std::uint64_t)> buffer;
+
+private:
+    using ValueOfNode = void* (*)(ListLink*);
+
+    template <typename T>
+    void Open(const Cursor& cursor);
+
+    ListLink* node = nullptr;
+    ValueOfNode valueOf = nullptr;
+};
+
+/// Where the cells of a result go.
+class ResultBlocks : public CellBlocks {
+public:
+    explicit ResultBlocks(const Cursor& dst) : CellBlocks(dst) {}
+
+    /// Room for the next cells; what is put there counts from Written on.
+    void* Room(std::uint32_t count);
+    void Written(std::uint32_t count);
+    /// Sets the next cells to zero; cells of other kinds than numbers are new, and empty already.
+    void Clear(std::uint32_t count);
+
+    /// Whether cells that a kernel reads in place lie in memory that it will write in place.
+    bool IsWrittenOver(const std::byte* head, std::size_t bytes, std::uint32_t count) const;
+
+private:
+    bool IsInPlace() const { return form == Form::VALUES && !isList && !isBits; }
+};
+
+/// The cells of an operand; one that repeats gives its first cell every time.
+class OperandBlocks : public CellBlocks {
+public:
+    OperandBlocks(const Cursor& source, bool isRepeated, const ResultBlocks& results, std::uint32_t resultCount);
+
+    /// The next cells.
+    const void* Read(std::uint32_t count);
+
+private:
+    void Gather(std::uint32_t count);
+    void Spread();
+
+    bool repeats;
+    bool readsInPlace;
+};
+
+/// Which operands stand for all rows of the result.
+struct Repetition {
+    bool left;
+    bool right;
+};
+
+/// Calls visit(left, right, result, count) for one block of cells after the other, until dst is full. An operand that
+/// doesn't repeat has as many cells as dst.
+template <typename Visit>
+void ForEachBlock(const Cursor& lhs, const Cursor& rhs, const Cursor& dst, Repetition repetition, Visit&& visit)
+{
+    std::uint32_t remaining = dst->Length();
+    ResultBlocks results(dst);
+    OperandBlocks left(lhs, repetition.left, results, remaining);
+    OperandBlocks right(rhs, repetition.right, results, remaining);
+    while (remaining != 0) {
+        const std::uint32_t count = std::min(remaining, CellBlocks::LONGEST);
+        visit(left.Read(count), right.Read(count), results.Room(count), count);
+        results.Written(count);
+        remaining -= count;
+    }
+}
+
+} // namespace MERVO::Tessera::Func

@@ -1,0 +1,154 @@
+#pragma once
+
+#include <cerrno>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <new>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "tessera/core/cell_text.h"
+#include "tessera/core/data_frame.h"
+#include "tessera/core/date_time.h"
+#include "tessera/core/error.h"
+#include "tessera/core/numeric_cast.h"
+#include "tessera/core/short_number.h"
+#include "tessera/platform/logger.h"
+
+/// How single cells become text and text becomes cells; a cast of a column and a file of fields agree by using these.
+namespace MERVO::Tessera::Func {
+
+/// Parses a text that is not empty. False beyond the parser's range.
+template <Arithmetic T>
+bool ParseNumber(std::string_view text, T& cell)
+{
+    if constexpr (std::is_floating_point_v<T>) {
+        double value = 0.0;
+        if (ParseShortDecimal(text, value)) {
+            cell = ConvertNumber<T>(value);
+            return true;
+        }
+        const Parsed<double> parsed = ParseDouble(text);
+        cell = parsed.error == 0 ? ConvertNumber<T>(parsed.value) : cell;
+        return parsed.error == 0;
+    } else {
+        std::int32_t value = 0;
+        if (ParseShortInteger(text, value)) {
+            cell = ConvertNumber<T>(value);
+            return true;
+        }
+        const auto parsed = [text] {
+            if constexpr (std::is_signed_v<T>) {
+                return ParseSigned(text);
+            } else {
+                return ParseUnsigned(text);
+            }
+        }();
+        cell = parsed.error == 0 ? ConvertNumber<T>(parsed.value) : cell;
+        return parsed.error == 0;
+    }
+}
+
+/// Writes a number's text, without a terminator: integers in decimal, float and double as "%.5e", true as 1 and false
+/// as nothing. `first` has NUMBER_TEXT_ROOM characters.
+/// @return one past the last character.
+template <Arithmetic T>
+char* WriteCell(char* first, T value) noexcept
+{
+    if constexpr (std::is_same_v<T, bool>) {
+        *first = '1';
+        return first + (value ? 1 : 0);
+    } else if constexpr (std::is_floating_point_v<T>) {
+        return WriteScientific(first, static_cast<double>(value));
+    } else if constexpr (sizeof(T) > sizeof(std::int32_t)) {
+        return WriteInteger(first, value);
+    } else {
+        using Word = std::conditional_t<std::is_signed_v<T>, std::int32_t, std::uint32_t>;
+        return WriteInteger(first, static_cast<Word>(value));
+    }
+}
+
+/// From the begin of a text that AssignText gets, so many characters can be read, however long it is.
+inline constexpr std::size_t READ_AHEAD = 15;
+
+/// Kept out of line, as it would be inlined whole where it is seldom needed.
+[[gnu::noinline]] inline void AssignLongText(std::string& cell, const char* text, std::size_t length)
+{
+    cell.assign(text, length);
+}
+
+/// Assigns a text. Making one of constant length and cutting it are a few instructions inline, which takes half the
+/// time of a call of assign.
+inline void AssignText(std::string& cell, const char* text, std::size_t length)
+{
+    struct EmptyUnlessMade { // a cell whose successor could not be made must not stay destroyed
+        ~EmptyUnlessMade()
+        {
+            if (!isMade) {
+                std::construct_at(&cell);
+            }
+        }
+        std::string& cell;
+        bool isMade = false;
+    };
+    if (length > READ_AHEAD) {
+        AssignLongText(cell, text, length);
+        return;
+    }
+    std::destroy_at(&cell);
+    EmptyUnlessMade guard{cell};
+    std::construct_at(&cell, text, READ_AHEAD);
+    guard.isMade = true;
+    cell.erase(length);
+}
+
+/**
+ * Sets a cell from a text, and says nothing to the log. An empty text is 0, NaN, false, an empty string, or the moment
+ * 0. Numbers are parsed in 64 bits or as a double, and narrowed without a test.
+ * @return 0, or 1: a number beyond the parser's range, or white space for a time. The cell stays then. Throws
+ *         std::bad_alloc when memory is short.
+ */
+template <typename T>
+[[nodiscard]] ErrorCode FromText(std::string_view text, T& cell)
+{
+    if constexpr (std::is_same_v<T, bool>) {
+        cell = !text.empty();
+    } else if constexpr (std::is_same_v<T, std::string>) {
+        cell.assign(text.data(), text.size());
+    } else if constexpr (std::is_same_v<T, DateTime>) {
+        DateTime parsed;
+        if (!parsed.ParseText(text)) {
+            return ERROR_GENERAL;
+        }
+        cell = parsed;
+    } else if constexpr (std::is_same_v<T, DataFrame>) {
+        DataFrame table;
+        if (table.ReadVector(std::vector<std::string>(1, std::string(text)), {1, 1}) != ERROR_NONE) {
+            throw std::bad_alloc();
+        }
+        cell = std::move(table);
+    } else if (text.empty()) {
+        cell = std::numeric_limits<T>::quiet_NaN(); // 0 for integers
+    } else {
+        return ParseNumber(text, cell) ? ERROR_NONE : ERROR_GENERAL;
+    }
+    return ERROR_NONE;
+}
+
+/// Tells the log of a text that FromText has refused; gives the code again.
+template <typename T>
+ErrorCode TellRefusedText(std::string_view text)
+{
+    if constexpr (std::is_same_v<T, DateTime>) {
+        static_cast<void>(DateTime().StringToTime(std::string(text)));
+    } else if constexpr (Arithmetic<T>) {
+        LogError("typecast from string to arithmetic int has error: %d", ERANGE);
+    }
+    return ERROR_GENERAL;
+}
+
+} // namespace MERVO::Tessera::Func

@@ -1,0 +1,144 @@
+#include "tessera/functors/comparison.h"
+
+#include "tessera/core/data_frame.h"
+#include "tessera/core/date_time.h"
+#include "tessera/functors/broadcast.h"
+#include "tessera/functors/comparison_kernels.h"
+
+namespace MERVO::Tessera::Func {
+namespace Compare {
+namespace {
+
+ErrorCode CompareCells(Relation relation, const Cursor& lhs, const Cursor& rhs, const Cursor& dst)
+{
+    const ComparisonPlan plan = PlanFor(relation, lhs->GetAttr().typeId);
+    if (plan.kernel == nullptr) {
+        return ERROR_GENERAL;
+    }
+    if (lhs->Length() == 0 || rhs->Length() == 0) {
+        return ERROR_NONE;
+    }
+    const Cursor& first = plan.isSwapped ? rhs : lhs;
+    const Cursor& second = plan.isSwapped ? lhs : rhs;
+    ForEachBlock(first, second, dst, {first->Length() == 1, second->Length() == 1},
+        [&plan](const void* left, const void* right, void* result, std::uint32_t count) {
+            plan.kernel(left, right, result, count);
+            if (plan.isInverted) {
+                auto* results = static_cast<bool*>(result);
+                for (std::uint32_t i = 0; i < count; ++i) {
+                    results[i] = !results[i];
+                }
+            }
+        });
+    return ERROR_NONE;
+}
+
+} // namespace
+
+SeriesAttr GetDstAttr(const Cursor& lhs, const Cursor& rhs)
+{
+    return WithType(Common::BroadcastAttr(lhs, rhs), TESSERA_BOOL);
+}
+
+bool CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst)
+{
+    return Common::CanBroadcast(lhs, rhs) && lhs->GetAttr().typeId == rhs->GetAttr().typeId &&
+        dst->GetAttr().typeId == TESSERA_BOOL && dst->Length() == Common::BroadcastLength(lhs, rhs);
+}
+
+template <typename F, MutableArgs ARG>
+SeriesAttr CompareCommon<F, ARG>::GetDstAttr(const Cursor& lhs, const Cursor& rhs) const
+{
+    return Compare::GetDstAttr(lhs, rhs);
+}
+
+template <typename F, MutableArgs ARG>
+bool CompareCommon<F, ARG>::CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
+{
+    return Compare::CheckParams(lhs, rhs, dst);
+}
+
+} // namespace Compare
+
+template <ContainerID CID>
+std::string Equal<CID>::GetName() const
+{
+    return "Equal";
+}
+
+template <ContainerID CID>
+template <typename T>
+ErrorCode Equal<CID>::OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
+{
+    return Compare::CompareCells(Relation::EQUAL, lhs, rhs, dst);
+}
+
+template <ContainerID CID>
+std::string Greater<CID>::GetName() const
+{
+    return "Greater";
+}
+
+template <ContainerID CID>
+template <typename T>
+ErrorCode Greater<CID>::OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
+{
+    return Compare::CompareCells(Relation::GREATER, lhs, rhs, dst);
+}
+
+template <ContainerID CID>
+std::string Less<CID>::GetName() const
+{
+    return "Less";
+}
+
+template <ContainerID CID>
+template <typename T>
+ErrorCode Less<CID>::OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
+{
+    return Compare::CompareCells(Relation::LESS, lhs, rhs, dst);
+}
+
+template <ContainerID CID>
+std::string GreaterEqual<CID>::GetName() const
+{
+    return "GreaterEqual";
+}
+
+template <ContainerID CID>
+template <typename T>
+ErrorCode GreaterEqual<CID>::OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
+{
+    return Compare::CompareCells(Relation::GREATER_EQUAL, lhs, rhs, dst);
+}
+
+template <ContainerID CID>
+std::string LessEqual<CID>::GetName() const
+{
+    return "LessEqual";
+}
+
+template <ContainerID CID>
+template <typename T>
+ErrorCode LessEqual<CID>::OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
+{
+    return Compare::CompareCells(Relation::LESS_EQUAL, lhs, rhs, dst);
+}
+
+template class Equal<CONTAINER_ARRAY>;
+template class Compare::CompareCommon<Equal<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+template class Binary<Equal<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+template class Greater<CONTAINER_ARRAY>;
+template class Compare::CompareCommon<Greater<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+template class Binary<Greater<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+template class Less<CONTAINER_ARRAY>;
+template class Compare::CompareCommon<Less<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+template class Binary<Less<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+template class GreaterEqual<CONTAINER_ARRAY>;
+template class Compare::CompareCommon<GreaterEqual<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+template class Binary<GreaterEqual<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+template class LessEqual<CONTAINER_ARRAY>;
+template class Compare::CompareCommon<LessEqual<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+template class Binary<LessEqual<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+
+} // namespace MERVO::Tessera::Func

@@ -1,0 +1,88 @@
+#pragma once
+
+#include "tessera/functors/functor.h"
+
+namespace MERVO::Tessera::Func {
+
+/// What the five comparisons have in common.
+namespace Compare {
+
+SeriesAttr GetDstAttr(const Cursor& lhs, const Cursor& rhs);
+bool CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst);
+
+/**
+ * A comparison of two columns of one value type, cell by cell, into a bool column.
+ *
+ * Columns have the same length, or one of them has one row, which meets every row of the other. Two doubles are equal
+ * that differ by less than 2^-52, two floats by less than 2^-23, so an infinity does not equal itself; the other
+ * comparisons of them are exact. NaN makes all five false. Strings compare by their bytes, DateTime by its stamp. A
+ * side without rows against one row gives false.
+ *
+ * Code 21: lengths or value types don't fit. Code 1: nested tables.
+ */
+template <typename F, MutableArgs ARG>
+class TESSERA_API CompareCommon : public Binary<F, ARG> {
+public:
+    SeriesAttr GetDstAttr(const Cursor& lhs, const Cursor& rhs) const override;
+    bool CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const override;
+};
+
+} // namespace Compare
+
+template <ContainerID CID>
+class TESSERA_API Equal final : public Compare::CompareCommon<Equal<CID>, MutableArgs::SOURCE> {
+public:
+    std::string GetName() const override;
+    template <typename T>
+    ErrorCode OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const;
+};
+
+template <ContainerID CID>
+class TESSERA_API Greater final : public Compare::CompareCommon<Greater<CID>, MutableArgs::SOURCE> {
+public:
+    std::string GetName() const override;
+    template <typename T>
+    ErrorCode OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const;
+};
+
+template <ContainerID CID>
+class TESSERA_API Less final : public Compare::CompareCommon<Less<CID>, MutableArgs::SOURCE> {
+public:
+    std::string GetName() const override;
+    template <typename T>
+    ErrorCode OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const;
+};
+
+template <ContainerID CID>
+class TESSERA_API GreaterEqual final : public Compare::CompareCommon<GreaterEqual<CID>, MutableArgs::SOURCE> {
+public:
+    std::string GetName() const override;
+    template <typename T>
+    ErrorCode OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const;
+};
+
+template <ContainerID CID>
+class TESSERA_API LessEqual final : public Compare::CompareCommon<LessEqual<CID>, MutableArgs::SOURCE> {
+public:
+    std::string GetName() const override;
+    template <typename T>
+    ErrorCode OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const;
+};
+
+extern template class Binary<Equal<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template class Binary<Greater<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template class Binary<Less<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template class Binary<GreaterEqual<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template class Binary<LessEqual<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template class Compare::CompareCommon<Equal<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template class Compare::CompareCommon<Greater<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template class Compare::CompareCommon<Less<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template class Compare::CompareCommon<GreaterEqual<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template class Compare::CompareCommon<LessEqual<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template class Equal<CONTAINER_ARRAY>;
+extern template class Greater<CONTAINER_ARRAY>;
+extern template class Less<CONTAINER_ARRAY>;
+extern template class GreaterEqual<CONTAINER_ARRAY>;
+extern template class LessEqual<CONTAINER_ARRAY>;
+
+} // namespace MERVO::Tessera::Func

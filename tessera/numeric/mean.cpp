@@ -1,0 +1,75 @@
+#include "tessera/numeric/mean.h"
+
+#include "tessera/core/date_time.h"
+#include "tessera/functors/element_walk.h"
+#include "tessera/numeric/cal_mean.h"
+#include "tessera/numeric/reduction_result.h"
+
+namespace MERVO::Tessera::Func {
+namespace {
+
+DateTime MeanOfStamps(const Cursor& src)
+{
+    const std::uint32_t count = src->Length();
+    std::uint32_t total = 0;
+    ForEachElement<DateTime>(
+        src, [count, &total](const DateTime& time) { total += static_cast<std::uint32_t>(time.TimeStamp()) / count; });
+    return DateTime(static_cast<std::int32_t>(total));
+}
+
+/// The type that this returns is the type of the mean.
+template <typename T>
+auto MeanOf([[maybe_unused]] const Cursor& src, [[maybe_unused]] bool skipNan)
+{
+    if constexpr (std::is_same_v<T, float>) {
+        return static_cast<float>(CalMean(src, skipNan));
+    } else if constexpr (Arithmetic<T>) {
+        return CalMean(src, skipNan);
+    } else if constexpr (std::is_same_v<T, DateTime>) {
+        return MeanOfStamps(src);
+    } else {
+        return InvalidType{};
+    }
+}
+
+template <typename T>
+using MeanResult = decltype(MeanOf<T>(nullptr, true));
+
+constexpr ResultTypes RESULT_TYPES =
+    ForEachValueType([](auto number) { return TYPE_ID_OF<MeanResult<ValueTypes::At<decltype(number)::value>>>; });
+
+} // namespace
+
+template <ContainerID CID>
+std::string Mean<CID>::GetName() const
+{
+    return "Mean";
+}
+
+template <ContainerID CID>
+SeriesAttr Mean<CID>::GetDstAttr(const Cursor& src) const
+{
+    return GetResultAttr(src, RESULT_TYPES);
+}
+
+template <ContainerID CID>
+bool Mean<CID>::CheckParams(const Cursor& src, const Cursor& dst) const
+{
+    return IsResultAttr(src, dst, RESULT_TYPES);
+}
+
+template <ContainerID CID>
+template <typename T, typename>
+ErrorCode Mean<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
+{
+    if constexpr (std::is_same_v<MeanResult<T>, InvalidType>) {
+        return ERROR_GENERAL;
+    } else {
+        return StoreResult(dst, MeanOf<T>(src, skipNan));
+    }
+}
+
+template class Mean<CONTAINER_ARRAY>;
+template class Unary<Mean<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
+
+} // namespace MERVO::Tessera::Func

@@ -1,0 +1,213 @@
+#include "tessera/numeric/skew_kurt.h"
+
+#include <cmath>
+
+#include "tessera/numeric/plain_nan.h"
+#include "tessera/numeric/power.h"
+#include "tessera/numeric/reduction_result.h"
+#include "tessera/numeric/term_sums.h"
+#include "tessera/platform/multiversion.h"
+
+namespace MERVO::Tessera::Func {
+namespace {
+
+constexpr double NO_VALUE = std::numeric_limits<double>::quiet_NaN();
+constexpr double EPSILON = std::numeric_limits<double>::epsilon();
+
+/// What the first pass tells of the elements that count.
+struct Present {
+    std::uint64_t count = 0;
+    double mean = NO_VALUE; ///< NaN also of infinities of both signs
+};
+
+/// Nothing counts where a NaN must not be skipped.
+Present FindPresent(const Cursor& src, bool skipNan)
+{
+    double total = 0.0;
+    std::int64_t missing = 0;
+    RealRuns<double> runs(src);
+    for (auto run = runs.Next(); !run.empty(); run = runs.Next()) {
+        std::int64_t missingHere = 0; // of a local the compiler keeps count in a register
+        total = AddTerms(total, run, [&missingHere](double value) {
+            missingHere += value != value ? 1 : 0;
+            return value == value ? value : 0.0;
+        });
+        missing += missingHere;
+        if (missing != 0 && !skipNan) {
+            return {};
+        }
+    }
+    Present present{src->Length() - static_cast<std::uint64_t>(missing)};
+    present.mean = present.count == 0 ? NO_VALUE : total / static_cast<double>(present.count);
+    return present;
+}
+
+/**
+ * How far an element lies from the mean. A NaN that is passed over counts as the mean itself: its terms are zeros,
+ * which alter no sum. From a mean that is infinite it makes NaN of sums that are infinite or NaN without it, and a
+ * statistic of either comes to the same.
+ */
+inline double DeviationFrom(double mean, double value)
+{
+    const double present = value == value ? value : mean;
+    return present - mean;
+}
+
+/// Divides each term of the third and second central moment on its own.
+[[gnu::always_inline]] inline void AddMoments(
+    SumPair& moments, std::span<const double> values, double mean, double count)
+{
+    AddTermPairs(moments, values, [mean, count](double value) -> SumPair {
+        const double deviation = DeviationFrom(mean, value);
+        const double square = deviation * deviation;
+        return {deviation * square / count, square / count};
+    });
+}
+
+TESSERA_WIDE_VECTORS void AddMomentsWide(SumPair& moments, std::span<const double> values, double mean, double count)
+{
+    AddMoments(moments, values, mean, count);
+}
+
+/// @param zero the largest magnitude that counts as none
+double Skewness(const Cursor& src, const ShapeParam& param, double zero)
+{
+    const Present present = FindPresent(src, param.skipNan);
+    if (present.count == 0) {
+        return NO_VALUE;
+    }
+    const auto count = static_cast<double>(present.count);
+    SumPair moments;
+    RealRuns<double> runs(src);
+    for (auto run = runs.Next(); !run.empty(); run = runs.Next()) {
+        HasWideVectors() ? AddMomentsWide(moments, run, present.mean, count)
+                         : AddMoments(moments, run, present.mean, count);
+    }
+    const auto [third, second] = moments;
+    double skewness = 0.0;
+    if (param.bias) {
+        skewness = std::abs(second) < EPSILON ? 0.0 : third / PowerOneAndAHalf(second);
+    } else if (std::abs(second) < EPSILON || present.count == 2) {
+        return NO_VALUE;
+    } else {
+        const auto pairs = static_cast<double>(present.count * (present.count - 1));
+        skewness = std::sqrt(pairs) * third / ((count - 2.0) * PowerOneAndAHalf(second));
+    }
+    return std::abs(skewness) > zero ? skewness : 0.0;
+}
+
+/// The excess kurtosis of a population, from the sums of fourth powers and of squares of the deviations in a sample.
+double UnbiasedKurtosis(double fourth, double second, double n)
+{
+    constexpr double NEARLY_ZERO = 1e-14;
+    const double product = (n + 1.0) * n * (n - 1.0) * fourth;
+    const double numerator = std::abs(product) < NEARLY_ZERO ? 0.0 : product;
+    const double scale = (n - 2.0) * (n - 3.0);
+    const double denominator = second * second * scale;
+    if (std::abs(denominator) < NEARLY_ZERO) {
+        return 0.0;
+    }
+    return WithPlainNan(numerator / denominator - (n - 1.0) * (n - 1.0) * 3.0 / scale);
+}
+
+double Kurtosis(const Cursor& src, const ShapeParam& param, double zero)
+{
+    const Present present = FindPresent(src, param.skipNan);
+    if (present.count == 0) {
+        return NO_VALUE;
+    }
+    SumPair sums;
+    RealRuns<double> runs(src);
+    for (auto run = runs.Next(); !run.empty(); run = runs.Next()) {
+        AddTermPairs(sums, run, [mean = present.mean](double value) -> SumPair {
+            const double deviation = DeviationFrom(mean, value);
+            const double square = deviation * deviation;
+            return {square * square, square};
+        });
+    }
+    const auto [fourth, second] = sums;
+    const auto count = static_cast<double>(present.count);
+    if (!param.bias) {
+        return present.count < 4 ? NO_VALUE : UnbiasedKurtosis(fourth, second, count);
+    }
+    if (std::abs(second) < EPSILON) {
+        return -3.0;
+    }
+    const double variance = second / count;
+    const double kurtosis = fourth / count / (variance * variance) - 3.0;
+    return std::abs(kurtosis) > zero ? kurtosis : 0.0;
+}
+
+template <typename T>
+ErrorCode StoreShape(const Cursor& src, const Cursor& dst, const ShapeParam& param,
+    double (*statistic)(const Cursor&, const ShapeParam&, double))
+{
+    using Real = RealOf<T>;
+    if constexpr (Arithmetic<T> && !std::is_same_v<T, bool>) {
+        const double zero = std::numeric_limits<Real>::epsilon();
+        return StoreResult(dst, static_cast<Real>(statistic(src, param, zero)));
+    } else {
+        return ERROR_GENERAL;
+    }
+}
+
+} // namespace
+
+template <ContainerID CID>
+std::string SkewBase<CID>::GetName() const
+{
+    return "Skew";
+}
+
+template <ContainerID CID>
+SeriesAttr SkewBase<CID>::GetDstAttr(const Cursor& src) const
+{
+    if (src->GetAttr().typeId > TESSERA_DOUBLE) {
+        LogError("the input data type doesn't match needs of functor");
+    }
+    return GetRealResultAttr(src);
+}
+
+template <ContainerID CID>
+template <typename T, typename>
+ErrorCode SkewBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
+{
+    return StoreShape<T>(src, dst, param, &Skewness);
+}
+
+template <ContainerID CID>
+std::string KurtBase<CID>::GetName() const
+{
+    return "Kurt";
+}
+
+template <ContainerID CID>
+SeriesAttr KurtBase<CID>::GetDstAttr(const Cursor& src) const
+{
+    if (src->GetAttr().typeId > TESSERA_DOUBLE) {
+        LogError("the input data type doesn't satisfy needs of functor");
+    }
+    return GetRealResultAttr(src);
+}
+
+template <ContainerID CID>
+template <typename T, typename>
+ErrorCode KurtBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
+{
+    return StoreShape<T>(src, dst, param, &Kurtosis);
+}
+
+template class SkewBase<CONTAINER_ARRAY>;
+template class RealStatistic<SkewBase<CONTAINER_ARRAY>>;
+template class Unary<SkewBase<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
+template class Skew<CONTAINER_ARRAY, bool, bool>;
+template class Skew<CONTAINER_ARRAY, bool&, bool&>;
+template class Skew<CONTAINER_ARRAY, const bool&, const bool&>;
+template class KurtBase<CONTAINER_ARRAY>;
+template class RealStatistic<KurtBase<CONTAINER_ARRAY>>;
+template class Unary<KurtBase<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
+template class Kurt<CONTAINER_ARRAY, bool, bool>;
+template class Kurt<CONTAINER_ARRAY, bool&, bool&>;
+template class Kurt<CONTAINER_ARRAY, const bool&, const bool&>;
+
+} // namespace MERVO::Tessera::Func

@@ -1,0 +1,366 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/functors/scripted_functors.h"
+#include "tests/support/failing_allocation.h"
+#include "tests/support/log_capture.h"
+
+namespace MERVO::Tessera {
+namespace {
+
+using testing::ElementsAre;
+using Range = DataFrame::Range;
+using Row = std::vector<std::int32_t>;
+using Cells = std::vector<Row>;
+
+TEST(TableApplyUnary, BuildsNewColumnsAsTheFunctorSays)
+{
+    const DataFrame source = LetteredTable(3);
+    const struct {
+        const char* name;
+        DataFrameRef source;
+        SeriesAttr (*shape)(SeriesAttr);
+        int type;
+        Cells cells;
+        std::vector<std::string> names;
+    } cases[] = {
+        {"as long as before", source.Slice(1, {1, 3}), [](SeriesAttr attr) { return attr; }, TESSERA_INT32,
+            {{200, 202, 204, 206, 208}, {800, 802, 804, 806, 808}}, {"b", "c"}},
+        {"a reduction of a window", source.Slice(Range{1, 4}, Range{0, 2}), AsOneCell, TESSERA_INT32, {{6}, {306}},
+            {"a", "b"}},
+        {"longer", source.Slice(Range{0, 2}, Range{1, 2}), [](SeriesAttr attr) { return WithLength(attr, 3); },
+            TESSERA_INT32, {{200, 202, 0}}, {"b"}},
+        {"another type", source["c"], AsDouble, TESSERA_DOUBLE, {}, {"c"}},
+    };
+    for (const auto& [name, src, shape, type, cells, names] : cases) {
+        SCOPED_TRACE(name);
+        // What the table held before, more or fewer columns, leaves no trace.
+        for (const int held : {0, 1, 5}) {
+            DataFrame table = LetteredTable(held);
+            static_cast<void>(table.GetColumnName()); // so that an old map of names is there to be found stale
+            Script script = Shaped(shape);
+            ASSERT_EQ(table.ApplyInplace(ScriptedFactory(script), src), 0);
+            EXPECT_EQ(static_cast<int>(table.Type()), type);
+            if (!cells.empty()) {
+                EXPECT_EQ(ColumnsOf(table), cells);
+                EXPECT_EQ(table.GetRowIndex(), (Range{0, static_cast<unsigned int>(cells[0].size())}));
+            }
+            EXPECT_EQ(table.GetColIndex(), (Range{0, static_cast<unsigned int>(names.size())}));
+            EXPECT_EQ(table.GetColumnName(), names);
+            EXPECT_EQ(table[names.back().c_str()].GetError().code, 0);
+            EXPECT_EQ(table.GetNameToIndex()->size(), names.size());
+        }
+    }
+    EXPECT_EQ(ColumnsOf(source), ColumnsOf(LetteredTable(3)));
+}
+
+TEST(TableApplyUnary, LandsOnTheColumnsOfItsOwnThatItReads)
+{
+    for (unsigned int first = 0; first < 4; ++first) {
+        for (unsigned int end = first + 1; end <= 4; ++end) {
+            DataFrame table = LetteredTable(4);
+            const Cells before = ColumnsOf(table);
+            Script script;
+            ASSERT_EQ(table.ApplyInplace(ScriptedFactory(script), table.Slice(Range{1, 4}, Range{first, end})), 0);
+            Cells expected;
+            std::vector<std::string> names;
+            for (unsigned int k = first; k < end; ++k) {
+                expected.push_back({2 * before[k][1], 2 * before[k][2], 2 * before[k][3]});
+                names.push_back(std::string(1, static_cast<char>('a' + k)));
+            }
+            EXPECT_EQ(ColumnsOf(table), expected) << first << " to " << end;
+            EXPECT_EQ(table.GetColumnName(), names);
+        }
+    }
+    DataFrame table = LetteredTable(2);
+    Script script;
+    ASSERT_EQ(table.ApplyInplace(ScriptedFactory(script), table), 0);
+    EXPECT_EQ(ColumnsOf(table), (Cells{{0, 2, 4, 6, 8}, {200, 202, 204, 206, 208}}));
+}
+
+TEST(TableApply, MakesDuplicatedNamesUnique)
+{
+    DataFrame source = LetteredTable(3);
+    ASSERT_EQ(source.SetColumnName({"x", "x", "y"}), 0);
+    DataFrame table = LetteredTable(1);
+    Script script;
+    ASSERT_EQ(table.ApplyInplace(ScriptedFactory(script), source), 0);
+    EXPECT_EQ(table.GetColumn(1)->GetName(), "x") << "until names are needed";
+    EXPECT_THAT(table.GetColumnName(), ElementsAre("x", "x_1", "y"));
+    EXPECT_EQ(table["a"].GetError().code, 5);
+}
+
+TEST(TableApplyUnary, AnswersEachFailureWithItsCode)
+{
+    Script refusing;
+    refusing.isAccepting = false;
+    const struct {
+        const char* name;
+        DataFrameRef source;
+        Script script;
+        Outcome outcome;
+        std::int32_t firstCell; ///< of the destination afterwards
+    } cases[] = {
+        {"a failed source", FailedTable(9), Script(),
+            {9, "", 4, "Input dataFrame is invalid on applying unary functor: Scripted."}, 0},
+        {"a source without columns", DataFrame(), Script(),
+            {7, "", 3, "Input dataFrame is zero-column when applying unary functor: Scripted."}, 0},
+        {"another container", LetteredTable(2).Slice(1, {1, 2}), Shaped(AsList),
+            {2, "", 1, "Functor Scripted can not change the container type 0 to 1"}, 0},
+        {"a list, for which there is no functor", LetteredTable(2, CONTAINER_LIST), Script(),
+            {2, "", 1, "Functor Scripted can not change the container type 1 to -1"}, 0},
+        {"no value type", LetteredTable(2), Shaped(AsNoType),
+            {5, "nullptr error in unary functorScripted", 1, "Getting Iterator from error Series"}, 0},
+        {"parameters refused", LetteredTable(2), refusing,
+            {21, "Check param failed in functor: Scripted", 1, "Functor Scripted check param error, src [size 5"}, 0},
+        {"a failing kernel", LetteredTable(2), FailingAfter(0),
+            {12, "Error on calling functor: Scripted", 1, "set df error 12"}, 0},
+        {"a kernel that fails later, behind a replaced column", LetteredTable(3).Slice(1, {1, 3}), FailingAfter(1),
+            {12, "Error on calling functor: Scripted", 1, "set df error 12"}, 200},
+    };
+    for (const auto& [name, source, script, outcome, firstCell] : cases) {
+        SCOPED_TRACE(name);
+        DataFrame table = LetteredTable(3);
+        Script copy = script;
+        const LogCapture log;
+        const ErrorCode code = table.ApplyInplace(ScriptedFactory(copy), source);
+        ExpectOutcome(outcome, code, table, log);
+        EXPECT_EQ(table.ColumnCount(), 3U);
+        EXPECT_EQ(CellsOf<std::int32_t>(table.GetColumn(0)->GetIterator())[0], firstCell);
+        EXPECT_EQ(CellsOf<std::int32_t>(table.GetColumn(2)->GetIterator())[1], 401);
+    }
+    DataFrame failed = FailedTable(8);
+    Script script;
+    const LogCapture log;
+    EXPECT_EQ(failed.ApplyInplace(ScriptedFactory(script), FailedTable(9)), 8);
+    EXPECT_TRUE(log.Has(4, "Apply unary functor: Scripted on invalid dataframe"));
+    EXPECT_EQ(failed.GetError().message, "it failed");
+    EXPECT_EQ(script.runs, 0);
+}
+
+TEST(TableApplyNullary, RunsOnItsColumnsAndAnswersFailures)
+{
+    DataFrame table = LetteredTable(2);
+    Script script;
+    EXPECT_EQ(table.ApplyInplace(RaiseFactory(script)), 0);
+    EXPECT_EQ(ColumnsOf(table)[1], (Row{1100, 1101, 1102, 1103, 1104}));
+    Script refusing;
+    refusing.isAccepting = false;
+    const struct {
+        const char* name;
+        DataFrame table;
+        Script script;
+        Outcome outcome;
+    } cases[] = {
+        {"no columns", DataFrame(), Script(),
+            {0, "", 3, "Input dataFrame is zero-column on applying unary functor: Raise."}},
+        {"another container", LetteredTable(1), Shaped(AsList),
+            {18, "dst container type cannot be determinated", 1, "set df error 18"}},
+        {"a list", LetteredTable(1, CONTAINER_LIST), Script(),
+            {18, "dst container type cannot be determinated", 1, "Trying to get attribute of an error functor"}},
+        {"parameters refused", LetteredTable(1), refusing,
+            {21, "Check param failed in functor: Raise", 1, "Functor Raise check param error"}},
+        {"a failing kernel", LetteredTable(1), FailingAfter(0),
+            {12, "Error on calling functor: Raise", 1, "set df error 12"}},
+    };
+    for (const auto& [name, held, wanted, outcome] : cases) {
+        SCOPED_TRACE(name);
+        DataFrame copy;
+        copy.ShallowCopy(held);
+        Script ownScript = wanted;
+        const LogCapture log;
+        const ErrorCode code = copy.ApplyInplace(RaiseFactory(ownScript));
+        ExpectOutcome(outcome, code, copy, log);
+    }
+    DataFrame failed = FailedTable(8);
+    EXPECT_EQ(failed.ApplyInplace(RaiseFactory(script)), 8);
+    // A walk ends with a refreshed view, so a length that a functor keeps may differ from what it says.
+    script.shape = AsOneCell;
+    DataFrame duplicated = LetteredTable(2);
+    ASSERT_EQ(duplicated.SetColumnName({"x", "x"}), 0);
+    EXPECT_EQ(duplicated.ApplyInplace(RaiseFactory(script)), 0);
+    EXPECT_EQ(duplicated.GetColumn(1)->GetName(), "x_1");
+}
+
+TEST(TableApplyBinary, AnswersEachFailureWithItsCode)
+{
+    const DataFrame two = LetteredTable(2);
+    const DataFrame three = LetteredTable(3);
+    const char* const noColumns = "input of binary apply inplace is zero-column Dataframe with functor: Minus";
+    const struct {
+        const char* name;
+        DataFrameRef lhs;
+        DataFrameRef rhs;
+        Script script;
+        Outcome outcome;
+    } cases[] = {
+        {"a left side without columns", DataFrame(), two, Script(), {7, "", 1, noColumns}},
+        {"a right side without columns", two, DataFrame(), Script(), {7, "", 1, noColumns}},
+        {"counts that can't broadcast", three, two, Script(),
+            {19, "Cannot broadcast between two inputs, lhs.shape[1] = 3, rhs.shape[1] = 2", 1, "set df error 19"}},
+        {"another container, N vs N", two, two, Shaped(AsList),
+            {2, "", 1, "Functor Minus should not change the container type from 0 to 1"}},
+        {"another container, 1 vs N", two["a"], two, Shaped(AsList),
+            {2, "", 1, "Functor Minus should not change the container type 0 to 1"}},
+        {"another container, N vs 1", two, two["a"], Shaped(AsList),
+            {2, "", 1, "Functor Minus should not change the container type 0 to 1"}},
+        {"other rows", two, two[Range{0, 3}], Script(),
+            {21, "Check param failed in binary functorMinus", 1, "Functor Minus check param error, lhs [size 5"}},
+        {"no value type", two, two, Shaped(AsNoType),
+            {5, "nullptr error in binary functorMinus", 1, "Getting Iterator from error Series"}},
+        {"a failing kernel", two["a"], two, FailingAfter(1),
+            {12, "Error on calling functor: Minus", 1, "set df error 12"}},
+    };
+    for (const auto& [name, lhs, rhs, script, outcome] : cases) {
+        SCOPED_TRACE(name);
+        DataFrame table = LetteredTable(3);
+        Script copy = script;
+        const LogCapture log;
+        const ErrorCode code = table.ApplyInplace(MinusFactory(copy), lhs, rhs);
+        ExpectOutcome(outcome, code, table, log);
+        EXPECT_EQ(table.ColumnCount(), 3U);
+    }
+    Script script;
+    DataFrame failed = FailedTable(8);
+    EXPECT_EQ(failed.ApplyInplace(MinusFactory(script), FailedTable(9), two), 8);
+    DataFrame table;
+    EXPECT_EQ(table.ApplyInplace(MinusFactory(script), FailedTable(9), FailedTable(8)), 9);
+    EXPECT_EQ(table.ApplyInplace(MinusFactory(script), two, FailedTable(8)), 8);
+    EXPECT_EQ(table.GetError().code, 0);
+    EXPECT_EQ(script.runs, 0);
+}
+
+// All ways in which sources of one to three columns may lie on the table that receives, or beside it. Left stays left.
+TEST(TableApplyBinary, IsTheSameWhereverItsSourcesLie)
+{
+    const DataFrame beside = LetteredTable(7).Slice(1, {3, 7});
+    int tried = 0;
+    for (unsigned int code = 0; code < 4 * 3 * 4 * 3 * 2 * 2; ++code) {
+        unsigned int rest = code;
+        const auto next = [&rest](unsigned int choices) {
+            const unsigned int choice = rest % choices;
+            rest /= choices;
+            return choice;
+        };
+        const unsigned int lhsFirst = next(4);
+        const unsigned int lhsCount = 1 + next(3);
+        const unsigned int rhsFirst = next(4);
+        const unsigned int rhsCount = 1 + next(3);
+        const bool isLeftBeside = next(2) == 1;
+        const bool isRightBeside = next(2) == 1;
+        const bool broadcasts = lhsCount == rhsCount || lhsCount == 1 || rhsCount == 1;
+        if (lhsFirst + lhsCount > 4 || rhsFirst + rhsCount > 4 || !broadcasts) {
+            continue;
+        }
+        ++tried;
+        for (const int heldColumns : {4, 1}) {
+            if (heldColumns == 1 && !(isLeftBeside && isRightBeside)) {
+                continue;
+            }
+            DataFrame table = LetteredTable(heldColumns);
+            const DataFrameRef lhs =
+                (isLeftBeside ? beside : table).Slice(Range{0, 3}, Range{lhsFirst, lhsFirst + lhsCount});
+            const DataFrameRef rhs =
+                (isRightBeside ? beside : table).Slice(Range{2, 5}, Range{rhsFirst, rhsFirst + rhsCount});
+            const Cells left = ColumnsOf(lhs);
+            const Cells right = ColumnsOf(rhs);
+            const std::vector<std::string> names = (lhsCount >= rhsCount ? lhs : rhs).GetColumnName();
+            Cells expected(std::max(lhsCount, rhsCount), Row(3));
+            for (std::size_t k = 0; k < expected.size(); ++k) {
+                for (std::size_t r = 0; r < 3; ++r) {
+                    expected[k][r] = left[lhsCount == 1 ? 0 : k][r] - right[rhsCount == 1 ? 0 : k][r];
+                }
+            }
+            Script script;
+            ASSERT_EQ(table.ApplyInplace(MinusFactory(script), lhs, rhs), 0);
+            ASSERT_EQ(ColumnsOf(table), expected)
+                << lhsFirst << "+" << lhsCount << " and " << rhsFirst << "+" << rhsCount << (isLeftBeside ? " L" : "")
+                << (isRightBeside ? " R" : "");
+            ASSERT_EQ(table.GetColumnName(), names);
+            ASSERT_EQ(table.GetRowIndex(), (Range{0, 3}));
+        }
+    }
+    EXPECT_GT(tried, 250);
+    EXPECT_EQ(ColumnsOf(beside), ColumnsOf(LetteredTable(7).Slice(1, {3, 7})));
+}
+
+TEST(TableApplyBinary, ConvertsSourcesToTheContainerOfTheColumnItReplaces)
+{
+    Script script;
+    const auto make = ForBothContainers<ScriptedMinus, Func::BinaryBase>(script);
+    for (const ContainerID held : BOTH_CONTAINERS) {
+        for (const ContainerID left : BOTH_CONTAINERS) {
+            for (const ContainerID right : BOTH_CONTAINERS) {
+                for (const int rightCount : {1, 2}) {
+                    DataFrame table = LetteredTable(2, held);
+                    const DataFrame lhs = LetteredTable(2, left);
+                    const DataFrame rhs = LetteredTable(rightCount, right);
+                    ASSERT_EQ(table.ApplyInplace(make, lhs[Range{1, 3}], rhs[Range{0, 2}]), 0);
+                    EXPECT_EQ(ColumnsOf(table), (Cells{{1, 1}, rightCount == 1 ? Row{101, 101} : Row{1, 1}}));
+                    EXPECT_EQ(table.ContainerType(), held);
+
+                    DataFrame empty; // takes the container of the side with several columns, else of the left one
+                    ASSERT_EQ(empty.ApplyInplace(make, lhs, rhs), 0);
+                    EXPECT_EQ(empty.ContainerType(), left);
+                }
+            }
+        }
+    }
+}
+
+TEST(TableApplyBinary, TellsAConversionWithoutMemory)
+{
+    const std::vector<std::int32_t> cells(5000, 1);
+    const DataFrame lists = TableOf(Column<std::int32_t>("a", cells, CONTAINER_LIST));
+    const DataFrame arrays = TableOf(Column<std::int32_t>("a", cells));
+    const DataFrame pair = TableOf(Column<std::int32_t>("a", cells), Column<std::int32_t>("b", cells));
+    const struct {
+        const DataFrame* lhs;
+        const char* log;
+    } cases[] = {
+        {&arrays, "Error on converting container type of series while applying binary op N vs N"},
+        {&pair, "Error on converting container type of series while applying binary op 1 vs N"},
+    };
+    for (const auto& [lhs, text] : cases) {
+        DataFrame table;
+        Script script;
+        const LogCapture log;
+        const FailingAllocation failing(0, 20000);
+        EXPECT_NE(table.ApplyInplace(MinusFactory(script), *lhs, lists), 0);
+        EXPECT_TRUE(FailingAllocation::HasFailed());
+        EXPECT_TRUE(log.Has(1, text));
+    }
+    // A single column of the table's own is copied first, for the results may be written over it.
+    DataFrame table = TableOf(Column<std::int32_t>("a", cells), Column<std::int32_t>("b", cells));
+    Script script;
+    const LogCapture log;
+    const FailingAllocation failing(0, 20000);
+    EXPECT_EQ(table.ApplyInplace(MinusFactory(script), table, table["a"]), 3);
+    EXPECT_TRUE(log.Has(1, "Error on copying single series to tmp."));
+    EXPECT_EQ(table.ColumnCount(), 2U);
+}
+
+TEST(TableApply, TellsAResultWithoutMemory)
+{
+    const DataFrame source = TableOf(Column<std::int32_t>("a", std::vector<std::int32_t>(5000, 1)));
+    Script script;
+    const auto apply = [&](auto&& call) {
+        DataFrame table = LetteredTable(2);
+        const FailingAllocation failing(0, 20000);
+        const ErrorCode code = call(table);
+        EXPECT_EQ(code, 3);
+        EXPECT_EQ(table.GetError().code, 3);
+        return table.GetError().message;
+    };
+    EXPECT_EQ(apply([&](DataFrame& table) { return table.ApplyInplace(ScriptedFactory(script), source); }),
+        "out of memory on building series for functor: Scripted");
+    EXPECT_EQ(apply([&](DataFrame& table) { return table.ApplyInplace(MinusFactory(script), source, source); }),
+        "out of memory on building series for functor: Minus");
+    DataFrameRef window(source);
+    const FailingAllocation failing(0, 20000);
+    EXPECT_EQ(window.ApplyInplace(ScriptedFactory(script), source), 3);
+    EXPECT_EQ(window.GetError().code, 3);
+}
+
+} // namespace
+} // namespace MERVO::Tessera

@@ -1,0 +1,322 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/functors/scripted_functors.h"
+#include "tests/support/log_capture.h"
+
+namespace MERVO::Tessera {
+namespace {
+
+using testing::ElementsAre;
+using Range = DataFrame::Range;
+using Cells = std::vector<std::vector<std::int32_t>>;
+
+TEST(WindowApplyUnary, AnswersEachFailureWithItsCode)
+{
+    const DataFrame two = LetteredTable(2);
+    const DataFrame lists = LetteredTable(2, CONTAINER_LIST);
+    const Script plain;
+    Script refusing;
+    refusing.isAccepting = false;
+    const struct {
+        const char* name;
+        DataFrameRef target;
+        DataFrameRef source;
+        Script script;
+        Outcome outcome;
+    } cases[] = {
+        {"a window without columns", DataFrameRef(), two, plain, {0, "", 0, ""}},
+        {"a failed source", two, FailedTable(9), plain, {9, "", 4, "Invalid input dataFrame with functor: Scripted"}},
+        {"a source without columns", two, DataFrameRef(), plain, {7, "", 0, ""}},
+        {"other column counts", two, LetteredTable(3), plain,
+            {20, "Cannot use sliced dataframe with differenct size as destination of operation", 0, ""}},
+        {"another container", two, LetteredTable(2), Shaped(AsList),
+            {18, "", 1, "Functor requires different container type to dataframe (1 vs. 0)"}},
+        {"another length, as a reduction's", two, LetteredTable(2), Shaped(AsOneCell),
+            {20, "", 1, "Functor can't change the row size of sliced dataframe (1 vs. 5)"}},
+        {"a source of other rows", two[Range{0, 2}], LetteredTable(2), plain,
+            {20, "", 1, "Functor can't change the row size of sliced dataframe (5 vs. 2)"}},
+        {"another value type", two, LetteredTable(2), Shaped(AsDouble),
+            {21, "Check param failed in functor: CopySeries", 1,
+                "Functor CopySeries check param error, src [size 5, "
+                "type double], dst [size 5, type int32]"}},
+        {"no value type", two, LetteredTable(2), Shaped(AsNoType),
+            {5, "nullptr error in unary functorScripted", 1, "TypeID should be in range"}},
+        {"parameters refused", two, LetteredTable(2), refusing,
+            {21, "Check param failed in functor: Scripted", 1, "Functor Scripted check param error"}},
+        {"a failing kernel", two, LetteredTable(2), FailingAfter(0), {12, "Error on calling functor: Scripted", 0, ""}},
+        {"a list, for which there is no functor", lists, LetteredTable(2), plain,
+            {18, "", 1, "Functor requires different container type to dataframe (-1 vs. 1)"}},
+    };
+    for (const auto& [name, target, source, script, outcome] : cases) {
+        SCOPED_TRACE(name);
+        DataFrameRef window(target);
+        Script copy = script;
+        const Cells before = ColumnsOf(window);
+        const LogCapture log;
+        const ErrorCode code = window.ApplyInplace(ScriptedFactory(copy), source);
+        ExpectOutcome(outcome, code, window, log);
+        EXPECT_EQ(ColumnsOf(window), before) << "no cell changed";
+    }
+    DataFrameRef failed = FailedTable(9);
+    Script script;
+    EXPECT_EQ(failed.ApplyInplace(ScriptedFactory(script), two), 9);
+    EXPECT_EQ(script.runs, 0);
+}
+
+TEST(WindowApplyBinary, AnswersEachFailureWithItsCode)
+{
+    const DataFrame two = LetteredTable(2);
+    const DataFrame three = LetteredTable(3);
+    const Script plain;
+    const char* const noColumns = "input of binary apply inplace is zero-column Dataframe with functor: Minus";
+    const struct {
+        const char* name;
+        DataFrameRef target;
+        DataFrameRef lhs;
+        DataFrameRef rhs;
+        Script script;
+        Outcome outcome;
+    } cases[] = {
+        {"a failed left side", two, FailedTable(9), FailedTable(8), plain, {9, "", 0, ""}},
+        {"a failed right side", two, two, FailedTable(8), plain, {8, "", 0, ""}},
+        {"a left side without columns", two, DataFrameRef(), two, plain, {7, "", 1, noColumns}},
+        {"a right side without columns", two, two, DataFrameRef(), plain, {7, "", 1, noColumns}},
+        {"counts that can't broadcast", three, three, two, plain,
+            {19, "Cannot broadcast between two inputs, lhs.shape[1] = 3, rhs.shape[1] = 2", 0, ""}},
+        {"counts that can't broadcast, no window", DataFrameRef(), two, three, plain,
+            {19, "Cannot broadcast between two inputs, lhs.shape[1] = 2, rhs.shape[1] = 3", 0, ""}},
+        {"a window without columns", DataFrameRef(), two, two, plain, {0, "", 0, ""}},
+        {"a window that is too narrow", two, three, three, plain,
+            {20, "Cannot use sliced dataframe with different size as destination", 0, ""}},
+        {"a window that is too wide", three, two, two["a"], plain,
+            {20, "Cannot use sliced dataframe with different size as destination", 0, ""}},
+        {"another length", two, LetteredTable(2), LetteredTable(2), Shaped(AsOneCell),
+            {20, "", 1, "Functor can't change the row size of sliced dataframe (1 vs. 5)"}},
+        {"another value type", two, LetteredTable(2), LetteredTable(2), Shaped(AsDouble),
+            {21, "Check param failed in functor: CopySeries", 1, "Functor CopySeries check param error"}},
+        {"other rows on one side", two, LetteredTable(2), LetteredTable(2)[Range{0, 4}], plain,
+            {21, "Check param failed in binary functorMinus", 1,
+                "Functor Minus check param error, lhs [size 5, type int32], rhs [size 4, type int32], dst [size 5, "
+                "type "
+                "int32]"}},
+        {"a failing kernel", two, LetteredTable(2), LetteredTable(2), FailingAfter(0),
+            {12, "Error on calling functor: Minus", 0, ""}},
+    };
+    for (const auto& [name, target, lhs, rhs, script, outcome] : cases) {
+        SCOPED_TRACE(name);
+        DataFrameRef window(target);
+        Script copy = script;
+        const Cells before = ColumnsOf(window);
+        const LogCapture log;
+        const ErrorCode code = window.ApplyInplace(MinusFactory(copy), lhs, rhs);
+        ExpectOutcome(outcome, code, window, log);
+        EXPECT_EQ(ColumnsOf(window), before);
+    }
+    DataFrameRef failed = FailedTable(9);
+    Script script;
+    EXPECT_EQ(failed.ApplyInplace(MinusFactory(script), FailedTable(8), FailedTable(7)), 9);
+    EXPECT_EQ(script.runs, 0);
+}
+
+TEST(WindowApplyNullary, RunsOnItsCellsAndAnswersFailures)
+{
+    const DataFrame table = LetteredTable(3);
+    DataFrameRef window = table.Slice(Range{1, 3}, Range{1, 3});
+    Script script;
+    EXPECT_EQ(window.ApplyInplace(RaiseFactory(script)), 0);
+    EXPECT_EQ(ColumnsOf(table), (Cells{{0, 1, 2, 3, 4}, {100, 1101, 1102, 103, 104}, {400, 1401, 1402, 403, 404}}));
+
+    Script refusing;
+    refusing.isAccepting = false;
+    const struct {
+        const char* name;
+        DataFrameRef target;
+        Script script;
+        Outcome outcome;
+    } cases[] = {
+        {"no columns", DataFrameRef(), Script(),
+            {0, "", 3, "Input dataFrame is zero-column on applying unary functor: Raise."}},
+        {"another container", table, Shaped(AsList),
+            {18, "", 1, "Functor requires different container type to dataframe (1 vs. 0)"}},
+        {"another length", table, Shaped(AsOneCell),
+            {20, "", 1, "Functor can't change the row size of sliced dataframe (1 vs. 5)"}},
+        {"a list", LetteredTable(1, CONTAINER_LIST), Script(),
+            {18, "", 1, "Functor requires different container type to dataframe (-1 vs. 1)"}},
+        {"parameters refused", table, refusing,
+            {21, "Check param failed in functor: Raise", 1, "Functor Raise check param error"}},
+        {"a failing kernel", table, FailingAfter(0), {12, "Error on calling functor: Raise", 0, ""}},
+    };
+    for (const auto& [name, target, wanted, outcome] : cases) {
+        SCOPED_TRACE(name);
+        DataFrameRef other(target);
+        Script copy = wanted;
+        const LogCapture log;
+        const ErrorCode code = other.ApplyInplace(RaiseFactory(copy));
+        ExpectOutcome(outcome, code, other, log);
+    }
+    DataFrameRef failed = FailedTable(9);
+    EXPECT_EQ(failed.ApplyInplace(RaiseFactory(script)), 9);
+}
+
+TEST(WindowApplyUnary, WritesIntoTheCellsOfItsWindow)
+{
+    const DataFrame target = LetteredTable(4);
+    const BaseSeries* column = target.GetColumn(1).get();
+    const DataFrame source = LetteredTable(3);
+    DataFrameRef window = target.Slice(Range{2, 4}, Range{1, 3});
+    Script script;
+    EXPECT_EQ(window.ApplyInplace(ScriptedFactory(script), source.Slice(Range{3, 5}, Range{0, 2})), 0);
+    EXPECT_EQ(ColumnsOf(target),
+        (Cells{{0, 1, 2, 3, 4}, {100, 101, 6, 8, 104}, {400, 401, 206, 208, 404}, {900, 901, 902, 903, 904}}));
+    EXPECT_EQ(target.GetColumn(1).get(), column) << "the column is the same";
+    EXPECT_THAT(target.GetColumnName(), ElementsAre("a", "b", "c", "d")) << "and has its name";
+}
+
+// Overlap is told by columns: rows that don't meet are computed before they are written as well.
+TEST(WindowApplyUnary, ReadsOldValuesWhereItOverlapsItsSource)
+{
+    for (const int shift : {-1, 0, 1}) {
+        const DataFrame table = LetteredTable(4);
+        Cells expected = ColumnsOf(table);
+        const auto first = static_cast<unsigned int>(1 + shift);
+        DataFrameRef window = table.Slice(Range{0, 4}, Range{1, 3});
+        Script script;
+        EXPECT_EQ(window.ApplyInplace(ScriptedFactory(script), table.Slice(Range{1, 5}, Range{first, first + 2})), 0);
+        const Cells before = ColumnsOf(LetteredTable(4));
+        for (std::size_t k = 0; k < 2; ++k) {
+            for (std::size_t r = 0; r < 4; ++r) {
+                expected[1 + k][r] = 2 * before[first + k][r + 1];
+            }
+        }
+        EXPECT_EQ(ColumnsOf(table), expected) << "shifted by " << shift;
+    }
+}
+
+TEST(WindowApply, WritesNothingAtAllWhenAnOverlappingRunFails)
+{
+    const DataFrame table = LetteredTable(4);
+    const Cells before = ColumnsOf(table);
+    const DataFrame other = LetteredTable(2);
+    Script script;
+    script.code = 12;
+    script.runsBeforeCode = 1;
+    {
+        DataFrameRef window = table.Slice(1, {0, 2});
+        EXPECT_EQ(window.ApplyInplace(ScriptedFactory(script), table.Slice(1, {1, 3})), 12);
+        EXPECT_EQ(ColumnsOf(table), before);
+    }
+    {
+        DataFrameRef window = table.Slice(1, {0, 2});
+        script.runs = 0;
+        EXPECT_EQ(window.ApplyInplace(MinusFactory(script), other, table.Slice(1, {1, 3})), 12);
+        EXPECT_EQ(ColumnsOf(table), before);
+    }
+    // Without overlap the columns that were finished keep their results.
+    DataFrameRef window = table.Slice(1, {0, 2});
+    script.runs = 0;
+    EXPECT_EQ(window.ApplyInplace(ScriptedFactory(script), table.Slice(1, {2, 4})), 12);
+    EXPECT_EQ(ColumnsOf(table)[0], (std::vector<std::int32_t>{800, 802, 804, 806, 808}));
+    EXPECT_EQ(ColumnsOf(table)[1], before[1]);
+}
+
+// All ways in which two windows of one or two columns may lie on a table of four, or beside it.
+TEST(WindowApplyBinary, IsTheSameWhereverItsSourcesLie)
+{
+    const DataFrame beside = LetteredTable(6).Slice(1, {2, 6});
+    int tried = 0;
+    for (unsigned int code = 0; code < 3 * 4 * 2 * 4 * 2 * 4; ++code) {
+        unsigned int rest = code;
+        const auto next = [&rest](unsigned int choices) {
+            const unsigned int choice = rest % choices;
+            rest /= choices;
+            return choice;
+        };
+        const unsigned int targetFirst = next(3);
+        const unsigned int lhsFirst = next(4);
+        const unsigned int lhsCount = 1 + next(2);
+        const unsigned int rhsFirst = next(4);
+        const unsigned int rhsCount = 1 + next(2);
+        const bool isLeftBeside = next(2) == 1;
+        const bool isRightBeside = next(2) == 1;
+        const unsigned int count = std::max(lhsCount, rhsCount);
+        if (lhsFirst + lhsCount > 4 || rhsFirst + rhsCount > 4 || targetFirst + count > 4) {
+            continue;
+        }
+        ++tried;
+        const DataFrame table = LetteredTable(4);
+        const DataFrameRef lhs =
+            (isLeftBeside ? beside : table).Slice(Range{0, 3}, Range{lhsFirst, lhsFirst + lhsCount});
+        const DataFrameRef rhs =
+            (isRightBeside ? beside : table).Slice(Range{2, 5}, Range{rhsFirst, rhsFirst + rhsCount});
+        const Cells left = ColumnsOf(lhs);
+        const Cells right = ColumnsOf(rhs);
+        Cells expected = ColumnsOf(table);
+        for (std::size_t k = 0; k < count; ++k) {
+            for (std::size_t r = 0; r < 3; ++r) {
+                expected[targetFirst + k][1 + r] = left[lhsCount == 1 ? 0 : k][r] - right[rhsCount == 1 ? 0 : k][r];
+            }
+        }
+        DataFrameRef window = table.Slice(Range{1, 4}, Range{targetFirst, targetFirst + count});
+        Script script;
+        ASSERT_EQ(window.ApplyInplace(MinusFactory(script), lhs, rhs), 0);
+        ASSERT_EQ(ColumnsOf(table), expected)
+            << "to " << targetFirst << ", from " << lhsFirst << "+" << lhsCount << " and " << rhsFirst << "+"
+            << rhsCount << (isLeftBeside ? " L" : "") << (isRightBeside ? " R" : "");
+    }
+    EXPECT_GT(tried, 300);
+}
+
+TEST(WindowAssignment, CopiesCellsAndDoesNotRepointTheWindow)
+{
+    const DataFrame table = LetteredTable(3);
+    const DataFrame other = LetteredTable(3);
+    DataFrameRef window = table.Slice(1, {0, 2});
+    window = other.Slice(1, {1, 3});
+    EXPECT_EQ(ColumnsOf(table)[0], ColumnsOf(other)[1]);
+    EXPECT_EQ(ColumnsOf(table)[1], ColumnsOf(other)[2]);
+    window = table.Slice(1, {1, 3}); // now a, b, c of the table hold b, c, c
+    EXPECT_EQ(ColumnsOf(table)[0], ColumnsOf(other)[2]);
+    EXPECT_EQ(window.GetColIndex(), (Range{0, 2}));
+    EXPECT_EQ(ColumnsOf(other), ColumnsOf(LetteredTable(3)));
+
+    const LogCapture log;
+    window = other.Slice(Range{0, 2}, Range{0, 2});
+    EXPECT_EQ(window.GetError().code, 20);
+    EXPECT_EQ(window.GetError().message, "operator = (assign) failed");
+    EXPECT_EQ(table.GetError().code, 0);
+    DataFrameRef otherType = table.Slice(1, {0, 1});
+    otherType = TableOf(Column<double>("d", {1, 2, 3, 4, 5}));
+    EXPECT_EQ(otherType.GetError().code, 21);
+    EXPECT_EQ(otherType.GetError().message, "operator = (assign) failed") << "in place of the functor's text";
+}
+
+TEST(WindowApply, ServesListsThroughAHostsFactory)
+{
+    const DataFrame table = LetteredTable(3, CONTAINER_LIST);
+    DataFrameRef window = table.Slice(Range{1, 4}, Range{0, 2});
+    Script script;
+    const LogCapture log;
+    // The result is made, but the functor that moves it into the cells exists for arrays only.
+    EXPECT_EQ(window.ApplyInplace(ForBothContainers<Scripted, Func::UnaryBase>(script), window), 21);
+    EXPECT_EQ(window.GetError().message, "Check param failed in functor: ErrorUnaryFunctor");
+    EXPECT_EQ(ColumnsOf(table), ColumnsOf(LetteredTable(3)));
+
+    DataFrameRef other = table.Slice(Range{1, 4}, Range{0, 2});
+    EXPECT_EQ(other.ApplyInplace(ForBothContainers<ScriptedRaise, Func::NullaryBase>(script)), 0);
+    EXPECT_EQ(ColumnsOf(table)[1], (std::vector<std::int32_t>{100, 1101, 1102, 1103, 104}));
+}
+
+TEST(WindowApply, WithoutAFactoryIsRefused)
+{
+    const DataFrame table = LetteredTable(1);
+    DataFrameRef window(table);
+    const LogCapture log;
+    EXPECT_EQ(window.ApplyInplace(UnaryFactory(), LetteredTable(1)), 18);
+    EXPECT_EQ(window.ApplyInplace(NullaryFactory()), 18);
+    EXPECT_EQ(window.ApplyInplace(BinaryFactory(), table, table), 18);
+    EXPECT_EQ(ColumnsOf(table), ColumnsOf(LetteredTable(1)));
+}
+
+} // namespace
+} // namespace MERVO::Tessera

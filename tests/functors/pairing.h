@@ -1,0 +1,145 @@
+#pragma once
+
+#include <array>
+#include <bit>
+#include <limits>
+
+#include "tessera/functors/element_walk.h"
+#include "tests/support/sample_columns.h"
+
+/// Columns, and the ways in which they meet, for tests of functors from two sources.
+namespace MERVO::Tessera {
+
+/// SplitMix64: the same numbers everywhere.
+class Random {
+public:
+    explicit Random(std::uint64_t seed) : state(seed) {}
+    std::uint64_t Next()
+    {
+        std::uint64_t mixed = state += 0x9E3779B97F4A7C15ULL;
+        mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9ULL;
+        mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EBULL;
+        return mixed ^ (mixed >> 31);
+    }
+    std::uint32_t Below(std::size_t bound) { return static_cast<std::uint32_t>(Next() % bound); }
+
+private:
+    std::uint64_t state;
+};
+
+template <typename T>
+using BitsOf = std::conditional_t<sizeof(T) == 8, std::uint64_t, std::uint32_t>;
+
+/// A cell that is often one of those where operations change their ways, and often equal to another one.
+template <typename T>
+T RandomCell(Random& random)
+{
+    const bool isSpecial = random.Below(3) == 0;
+    if constexpr (std::is_same_v<T, bool>) {
+        return random.Below(2) == 0;
+    } else if constexpr (std::is_floating_point_v<T>) {
+        using Limits = std::numeric_limits<T>;
+        constexpr auto NAN_BITS = std::bit_cast<BitsOf<T>>(Limits::quiet_NaN());
+        constexpr auto SIGN = BitsOf<T>{1} << (8 * sizeof(T) - 1);
+        const std::array specials{T{0}, -T{0}, T{1}, T{1} + Limits::epsilon() / 2 * 3, T{1} + Limits::epsilon(),
+            Limits::infinity(), -Limits::infinity(), Limits::max(), Limits::lowest(), Limits::denorm_min(),
+            Limits::quiet_NaN(), std::bit_cast<T>(static_cast<BitsOf<T>>(NAN_BITS | SIGN | 5)),
+            std::bit_cast<T>(static_cast<BitsOf<T>>(NAN_BITS | 77))};
+        const T number = static_cast<T>(static_cast<std::int32_t>(random.Next())) / T{64};
+        return isSpecial ? specials[random.Below(specials.size())] : number;
+    } else if constexpr (std::is_integral_v<T>) {
+        using Limits = std::numeric_limits<T>;
+        const std::array specials{T{0}, T{1}, static_cast<T>(-1), Limits::min(), Limits::max()};
+        return isSpecial ? specials[random.Below(specials.size())] : static_cast<T>(random.Next() >> random.Below(64));
+    } else if constexpr (std::is_same_v<T, std::string>) {
+        const std::string text(random.Below(25), static_cast<char>('a' + random.Below(2)));
+        return isSpecial ? std::string("\xff\0z", 3) : text;
+    } else if constexpr (std::is_same_v<T, DateTime>) {
+        return DateTime(RandomCell<std::int32_t>(random));
+    } else {
+        return SampleValue<DataFrame>(random.Below(1000));
+    }
+}
+
+template <typename T>
+std::vector<T> RandomCells(Random& random, std::uint32_t count)
+{
+    std::vector<T> cells;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        cells.push_back(RandomCell<T>(random));
+    }
+    return cells;
+}
+
+/// A column around a window: `lead` cells in front of it, and some behind.
+template <typename T>
+class Surrounded {
+public:
+    static constexpr std::uint32_t BEHIND = 11;
+
+    Surrounded(Random& random, std::uint32_t windowLead, std::uint32_t windowLength, ContainerID container)
+        : lead(windowLead), length(windowLength), before(RandomCells<T>(random, lead + length + BEHIND)),
+          column(BuildSeries({lead + length + BEHIND, container, TYPE_ID_OF<T>}, "column"))
+    {
+        // By places, as reading and writing by index would walk a list each time.
+        Func::AnyPlace<T> place(column->GetIterator());
+        for (std::uint32_t i = 0; i < before.size(); ++i, ++place) {
+            *place = before[i];
+        }
+    }
+
+    Cursor Window() const { return column->GetIterator(lead, lead + length); }
+    /// A cell of the window, as it was made.
+    T Cell(std::uint32_t i) const { return before[lead + i]; }
+    const std::vector<T>& CellsBefore() const { return before; }
+    std::vector<T> CellsNow() const
+    {
+        std::vector<T> cells;
+        Func::ForEachElement<T>(column->GetIterator(), [&cells](const auto& cell) { cells.push_back(cell); });
+        return cells;
+    }
+
+private:
+    std::uint32_t lead;
+    std::uint32_t length;
+    std::vector<T> before;
+    SeriesPtr column;
+};
+
+/// Lengths of two operands that can meet. Blocks of cells are 512 long, vectors up to 64.
+struct Lengths {
+    std::uint32_t left;
+    std::uint32_t right;
+    std::uint32_t Result() const { return std::max(left, right); }
+};
+inline constexpr Lengths LENGTHS_THAT_MEET[] = {
+    {1, 1}, {2, 2}, {1, 2}, {2, 1}, {67, 67}, {67, 1}, {1, 67}, {1037, 1037}, {1037, 1}, {1, 1037}, {0, 0}};
+
+/// The containers of left operand, right operand and result.
+using Containers = std::array<ContainerID, 3>;
+inline constexpr Containers ARRAYS{CONTAINER_ARRAY, CONTAINER_ARRAY, CONTAINER_ARRAY};
+inline std::vector<Containers> AllContainers()
+{
+    std::vector<Containers> all;
+    for (const ContainerID left : BOTH_CONTAINERS) {
+        for (const ContainerID right : BOTH_CONTAINERS) {
+            for (const ContainerID result : BOTH_CONTAINERS) {
+                all.push_back({left, right, result});
+            }
+        }
+    }
+    return all;
+}
+
+/// Whether two cells have the same bits; DateTime counts by its stamp, a table by its code and int32 cells.
+template <typename T>
+bool HasSameBits(const T& left, const T& right)
+{
+    if constexpr (std::is_floating_point_v<T>) {
+        return std::bit_cast<BitsOf<T>>(left) == std::bit_cast<BitsOf<T>>(right);
+    } else {
+        return IsSame<T>(left, right);
+    }
+}
+
+} // namespace MERVO::Tessera

@@ -1,0 +1,330 @@
+#include <bit>
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tessera/core/series_cast.h"
+#include "tessera/tessera.hpp"
+#include "tests/support/log_capture.h"
+#include "tests/support/sample_columns.h"
+
+namespace MERVO::Tessera {
+namespace {
+
+using CastFactory = Func::FunctorFactory<Func::TypeCast, Func::UnaryBase, MERVO_TESSERA_TYPEID>;
+
+// ---- Cells whose results are known, to hold the oracle too
+
+template <typename S, typename D>
+D CastCell(const S& value)
+{
+    const SeriesPtr source = Column<S>("source", {value});
+    const SeriesPtr target = BuildSeries({1, CONTAINER_ARRAY, TYPE_ID_OF<D>}, "target");
+    EXPECT_EQ(CastSeries(source, target).code, 0);
+    return GetValueFromIterator<D>(target->GetIterator(), 0);
+}
+
+TEST(TypeCast, KnownCells)
+{
+    EXPECT_EQ((CastCell<std::string, std::int32_t>("")), 0);
+    EXPECT_EQ((std::bit_cast<std::uint64_t>(CastCell<std::string, double>(""))), 0x7ff8000000000000U);
+    EXPECT_EQ((std::bit_cast<std::uint32_t>(CastCell<std::string, float>(""))), 0x7fc00000U);
+    EXPECT_EQ((CastCell<std::string, std::int32_t>("12abc")), 12);
+    EXPECT_EQ((CastCell<std::string, std::int32_t>("abc")), 0);
+    EXPECT_EQ((CastCell<std::string, std::uint8_t>("-1")), 255);
+    EXPECT_EQ((CastCell<std::string, std::uint64_t>("-1")), std::numeric_limits<std::uint64_t>::max());
+    EXPECT_EQ(
+        (CastCell<std::string, std::uint64_t>("18446744073709551615")), std::numeric_limits<std::uint64_t>::max());
+    EXPECT_EQ((CastCell<std::string, double>("68.323580")), 68.32358);
+    EXPECT_EQ((CastCell<double, std::string>(1.5)), "1.50000e+00");
+    EXPECT_EQ((CastCell<float, std::string>(-0.1F)), "-1.00000e-01");
+    EXPECT_EQ((CastCell<std::int64_t, std::string>(std::numeric_limits<std::int64_t>::min())), "-9223372036854775808");
+    EXPECT_EQ(
+        (CastCell<std::uint64_t, std::string>(std::numeric_limits<std::uint64_t>::max())), "18446744073709551615");
+    EXPECT_EQ((CastCell<bool, std::string>(false)), "");
+    EXPECT_EQ((CastCell<bool, std::string>(true)), "1");
+    EXPECT_TRUE((CastCell<double, bool>(std::nan(""))));
+    EXPECT_FALSE((CastCell<double, bool>(1e-20)));
+    EXPECT_FALSE((CastCell<double, bool>(-0x1p-52)));
+    EXPECT_TRUE((CastCell<float, bool>(0x1.000002p-23F)));
+    EXPECT_EQ((CastCell<double, std::int32_t>(std::nan(""))), 0);
+    EXPECT_EQ((CastCell<double, std::int32_t>(1e10)), 2147483647);
+    EXPECT_EQ((CastCell<double, std::uint32_t>(-1.0)), 0U);
+    EXPECT_EQ((CastCell<double, std::int8_t>(300.7)), 44);
+    EXPECT_EQ((CastCell<float, std::int64_t>(-1e30F)), std::numeric_limits<std::int64_t>::min());
+    EXPECT_EQ((CastCell<std::int64_t, DateTime>(4294967297)).TimeStamp(), 1);
+    EXPECT_EQ((CastCell<double, DateTime>(1e10)).TimeStamp(), 2147483647);
+    EXPECT_EQ((CastCell<DateTime, std::uint64_t>(DateTime(-1))), std::numeric_limits<std::uint64_t>::max());
+}
+
+// ---- Texts that can't be cast
+
+template <typename T>
+class TypeCastOfBadText : public testing::Test {
+};
+
+using ParsedTypes = testing::Types<std::int8_t, std::uint8_t, std::int16_t, std::uint16_t, std::int32_t, std::uint32_t,
+    std::int64_t, std::uint64_t, float, double>;
+TYPED_TEST_SUITE(TypeCastOfBadText, ParsedTypes);
+
+TYPED_TEST(TypeCastOfBadText, StopsThereAndKeepsTheCellsBefore)
+{
+    const std::vector<std::string> badTexts = std::is_floating_point_v<TypeParam>
+        ? std::vector<std::string>{"1e400", "-1e400", "1e-310"}
+        : std::is_signed_v<TypeParam> ? std::vector<std::string>{"9223372036854775808", "-9223372036854775809"}
+                                      : std::vector<std::string>{"18446744073709551616", "-99999999999999999999"};
+    for (const std::string& bad : badTexts) {
+        for (const ContainerID container : BOTH_CONTAINERS) {
+            const SeriesPtr source = Column<std::string>("source", {"7", "8", bad, "9"}, container);
+            const SeriesPtr target = Column<TypeParam>("target", {1, 2, 3, 4}, container);
+            LogCapture log;
+            const Error error = CastSeries(source, target);
+            EXPECT_EQ(error.code, 1) << bad;
+            EXPECT_EQ(error.message, "Error on calling functor: TypeCast");
+            EXPECT_THAT(log.Texts(1),
+                testing::ElementsAre("typecast from string to arithmetic int has error: " + std::to_string(ERANGE)));
+            EXPECT_THAT(CellsOf<TypeParam>(target->GetIterator()), testing::ElementsAre(7, 8, 3, 4)) << bad;
+        }
+    }
+}
+
+TEST(TypeCast, RefusesBlanksAsATime)
+{
+    const SeriesPtr source = Column<std::string>("source", {"", "  ", ""});
+    const SeriesPtr target = Column<DateTime>("target", {DateTime(5), DateTime(6), DateTime(7)});
+    EXPECT_EQ(CastSeries(source, target).code, 1);
+    EXPECT_TRUE(AreSame<DateTime>(CellsOf<DateTime>(target->GetIterator()), {DateTime(0), DateTime(6), DateTime(7)}));
+}
+
+// ---- Laws
+
+template <typename T>
+class CastOfIntegers : public testing::Test {
+};
+
+using Integers = testing::Types<std::int8_t, std::uint8_t, std::int16_t, std::uint16_t, std::int32_t, std::uint32_t,
+    std::int64_t, std::uint64_t>;
+TYPED_TEST_SUITE(CastOfIntegers, Integers);
+
+template <typename T>
+std::vector<T> RandomCells(std::size_t count)
+{
+    std::mt19937_64 random(2024);
+    std::vector<T> cells = {0, std::numeric_limits<T>::min(), std::numeric_limits<T>::max()};
+    while (cells.size() < count) { // of all lengths
+        cells.push_back(static_cast<T>(random() >> random() % 64));
+        cells.push_back(static_cast<T>(0 - (random() >> random() % 64)));
+    }
+    return cells;
+}
+
+TYPED_TEST(CastOfIntegers, SurviveText)
+{
+    const std::vector<TypeParam> cells = RandomCells<TypeParam>(2000);
+    const SeriesPtr source = Column<TypeParam>("source", cells);
+    const SeriesAttr attr = source->GetAttr();
+    const SeriesPtr texts = BuildSeries(WithType(attr, TESSERA_STRING), "texts");
+    const SeriesPtr back = BuildSeries(attr, "back");
+    ASSERT_EQ(CastSeries(source, texts).code, 0);
+    ASSERT_EQ(CastSeries(texts, back).code, 0);
+    EXPECT_EQ(CellsOf<TypeParam>(back->GetIterator()), cells);
+}
+
+TYPED_TEST(CastOfIntegers, WrapBackFromAnyWiderOrEqualInteger)
+{
+    const std::vector<TypeParam> cells = RandomCells<TypeParam>(200);
+    const SeriesPtr source = Column<TypeParam>("source", cells);
+    for (int wide = TESSERA_INT8; wide <= TESSERA_UINT64; ++wide) {
+        constexpr int WIDTH = (ValueTypes::NumberOf<TypeParam> - TESSERA_INT8) / 2;
+        if ((wide - TESSERA_INT8) / 2 < WIDTH) {
+            continue;
+        }
+        const SeriesPtr middle =
+            BuildSeries(WithType(source->GetAttr(), static_cast<MERVO_TESSERA_TYPEID>(wide)), "middle");
+        const SeriesPtr back = BuildSeries(source->GetAttr(), "back");
+        ASSERT_EQ(CastSeries(source, middle).code, 0);
+        ASSERT_EQ(CastSeries(middle, back).code, 0);
+        EXPECT_EQ(CellsOf<TypeParam>(back->GetIterator()), cells) << wide;
+    }
+}
+
+// What 1 to 8 digits around a point become is the C library's business.
+TEST(TypeCast, DecimalsOfAllLengthsParseAsInTheCLibrary)
+{
+    std::mt19937 random(7);
+    std::vector<std::string> texts;
+    std::vector<double> wanted;
+    for (int i = 0; i < 20000; ++i) {
+        char text[64] = {};
+        std::snprintf(text, sizeof(text), "%.*f", static_cast<int>(random() % 10),
+            (static_cast<double>(random()) - 2e9) * std::pow(10.0, -static_cast<double>(random() % 11)));
+        texts.push_back(text);
+        wanted.push_back(std::strtod(text, nullptr));
+    }
+    const SeriesPtr source = Column<std::string>("source", texts);
+    const SeriesPtr target = Column<double>("target", std::vector<double>(texts.size()));
+    ASSERT_EQ(CastSeries(source, target).code, 0);
+    EXPECT_EQ(CellsOf<double>(target->GetIterator()), wanted);
+}
+
+// ---- The functor and its forms
+
+TEST(TypeCast, TellsNameAndShape)
+{
+    const Func::TypeCast<CONTAINER_ARRAY, MERVO_TESSERA_TYPEID> cast(TESSERA_FLOAT);
+    const SeriesPtr source = Column<std::int8_t>("source", {1, 2, 3, 4}, CONTAINER_LIST);
+    const SeriesAttr attr = cast.GetDstAttr(source->GetIterator(1, 3));
+    EXPECT_EQ(cast.GetName(), "TypeCast");
+    EXPECT_EQ(attr.length, 2U);
+    EXPECT_EQ(attr.containerId, CONTAINER_LIST);
+    EXPECT_EQ(attr.typeId, TESSERA_FLOAT);
+}
+
+TEST(TypeCast, RefusesADestinationOfAnotherType)
+{
+    const SeriesPtr source = Column<std::int32_t>("source", {1});
+    const SeriesPtr target = Column<double>("target", {5.0});
+    LogCapture log;
+    const Func::TypeCast<CONTAINER_ARRAY, MERVO_TESSERA_TYPEID> cast(TESSERA_FLOAT);
+    const Error error = cast.ProcessSeries(source->GetIterator(), target->GetIterator(), true);
+    EXPECT_EQ(error.code, 21);
+    EXPECT_EQ(error.message, "Check param failed in functor: TypeCast");
+    EXPECT_TRUE(log.Has(1, "Functor TypeCast check param error, src [size 1, type int32], dst [size 1, type double]"));
+}
+
+TEST(TypeCast, AnswersAMissingColumnWithFive)
+{
+    const SeriesPtr source = Column<std::int32_t>("source", {1});
+    const Error error = CastSeries(source, GetErrorSeries());
+    EXPECT_EQ(error.code, 5);
+    EXPECT_EQ(error.message, "nullptr error in unary functorTypeCast");
+}
+
+template <typename Argument>
+class TypeCastForm : public testing::Test {
+};
+
+using Forms = testing::Types<MERVO_TESSERA_TYPEID, MERVO_TESSERA_TYPEID&, const MERVO_TESSERA_TYPEID&>;
+TYPED_TEST_SUITE(TypeCastForm, Forms);
+
+TYPED_TEST(TypeCastForm, CastsATable)
+{
+    MERVO_TESSERA_TYPEID type = TESSERA_STRING;
+    const Func::FunctorFactory<Func::TypeCast, Func::UnaryBase, TypeParam> make(type);
+    const DataFrame source = TableOf(Column<std::int32_t>("a", {1, -2}), Column<bool>("b", {true, false}));
+    DataFrame result;
+    ASSERT_EQ(result.ApplyInplace(make, source), 0);
+    EXPECT_THAT(result.GetColumnName(), testing::ElementsAre("a", "b"));
+    EXPECT_THAT(result.To1DVector<std::string>(), testing::ElementsAre("1", "1", "-2", ""));
+}
+
+// ---- Through tables
+
+TEST(TypeCast, ReplacesTheColumnsOfATableInPlace)
+{
+    DataFrame table = TableOf(Column<std::string>("a", {"1.5", "-2"}), Column<std::uint8_t>("b", {3, 255}));
+    ASSERT_EQ(table.ApplyInplace(CastFactory(TESSERA_DOUBLE), table), 0);
+    EXPECT_THAT(table.GetColumnName(), testing::ElementsAre("a", "b"));
+    EXPECT_THAT(table.To1DVector<double>(), testing::ElementsAre(1.5, 3.0, -2.0, 255.0));
+}
+
+TEST(TypeCast, TakesAWindowAsItsSource)
+{
+    const DataFrame source = TableOf(Column<bool>("a", {true, false, true, true}),
+        Column<bool>("b", {false, true, true, false}), Column<bool>("c", {true, true, false, true}));
+    DataFrame result;
+    ASSERT_EQ(result.ApplyInplace(CastFactory(TESSERA_INT16), source.Slice({1, 4}, {1, 3})), 0);
+    EXPECT_THAT(result.GetColumnName(), testing::ElementsAre("b", "c"));
+    EXPECT_THAT(result.To1DVector<std::int16_t>(), testing::ElementsAre(1, 1, 1, 0, 0, 1));
+}
+
+TEST(TypeCast, WritesThroughAWindowOnlyWhatKeepsItsType)
+{
+    DataFrame table = TableOf(Column<std::int32_t>("a", {1, 2, 3}));
+    const DataFrame source = TableOf(Column<std::string>("s", {"7", "8"}));
+    DataFrameRef window = table.Slice(0, {1, 3});
+    ASSERT_EQ(window.ApplyInplace(CastFactory(TESSERA_INT32), source), 0);
+    EXPECT_THAT(table.To1DVector<std::int32_t>(), testing::ElementsAre(1, 7, 8));
+    EXPECT_EQ(window.ApplyInplace(CastFactory(TESSERA_INT64), source), 21);
+    EXPECT_EQ(window.GetError().message, "Check param failed in functor: CopySeries");
+    EXPECT_THAT(table.To1DVector<std::int32_t>(), testing::ElementsAre(1, 7, 8));
+}
+
+TEST(TypeCast, StoresAFailureInTheTable)
+{
+    const DataFrame source = TableOf(Column<std::string>("good", {"1"}), Column<std::string>("bad", {"1e400"}));
+    DataFrame result;
+    EXPECT_EQ(result.ApplyInplace(CastFactory(TESSERA_DOUBLE), source), 1);
+    EXPECT_EQ(result.GetError().code, 1);
+    EXPECT_EQ(result.GetError().message, "Error on calling functor: TypeCast");
+}
+
+TEST(TypeCast, HasNoResultForANumberThatIsNoType)
+{
+    for (const int type : {-1, 14, 15, 99, -2147483647}) {
+        DataFrame table = TableOf(Column<std::int32_t>("a", {1, 2}));
+        EXPECT_EQ(table.ApplyInplace(CastFactory(static_cast<MERVO_TESSERA_TYPEID>(type)), table), 5);
+        EXPECT_EQ(table.GetError().message, "nullptr error in unary functorTypeCast");
+        EXPECT_THAT(CellsOf<std::int32_t>(table.GetColumn(0)->GetIterator()), testing::ElementsAre(1, 2));
+    }
+}
+
+// ---- Casting on load
+
+TEST(CastOnLoad, GivesEachColumnItsType)
+{
+    DataFrame table;
+    ASSERT_EQ(table.ReadVector<std::string>({"1", "2.5", "x", "-3", "4", ""}, {2, 3},
+                  {TESSERA_INT32, TESSERA_DOUBLE, TESSERA_STRING}, {CONTAINER_LIST, CONTAINER_ARRAY, CONTAINER_LIST}),
+        0);
+    EXPECT_THAT(CellsOf<std::int32_t>(table.GetColumn(0)->GetIterator()), testing::ElementsAre(1, -3));
+    EXPECT_EQ(table.GetColumn(0)->GetAttr().containerId, CONTAINER_LIST);
+    EXPECT_THAT(CellsOf<double>(table.GetColumn(1)->GetIterator()), testing::ElementsAre(2.5, 4.0));
+    EXPECT_THAT(CellsOf<std::string>(table.GetColumn(2)->GetIterator()), testing::ElementsAre("x", ""));
+    EXPECT_THAT(table.GetColumnName(), testing::ElementsAre("col_0", "col_1", "col_2"));
+
+    DataFrame byColumn;
+    ASSERT_EQ(byColumn.ReadVectorByCol<double>({{1.5, -2.5}, {0.0, 7.0}}, {TESSERA_INT8, TESSERA_BOOL}), 0);
+    EXPECT_THAT(CellsOf<std::int8_t>(byColumn.GetColumn(0)->GetIterator()), testing::ElementsAre(1, -2));
+    EXPECT_THAT(CellsOf<bool>(byColumn.GetColumn(1)->GetIterator()), testing::ElementsAre(false, true));
+}
+
+TEST(CastOnLoad, StoresAFailureAndTellsWhichTypes)
+{
+    struct Case {
+        ErrorCode (*load)(DataFrame& table);
+        ErrorCode code;
+        const char* log;
+    };
+    const Case cases[] = {
+        {[](DataFrame& table) {
+             return table.ReadVector<std::string>({"1e400"}, {1, 1}, {TESSERA_DOUBLE});
+         },
+            1, "Failed to cast 11 to 10 when error happens"},
+        {[](DataFrame& table) { return table.ReadVectorByCol<bool>({{true}}, {TESSERA_DATETIME}); }, 1,
+            "Failed to cast 0 to 12 when error happens"},
+        {[](DataFrame& table) {
+             return table.ReadVector<double>({1.0}, {1, 1}, {static_cast<MERVO_TESSERA_TYPEID>(14)});
+         },
+            5, "Failed to cast 10 to 14 when error happens"},
+    };
+    for (const Case& wanted : cases) {
+        DataFrame table;
+        LogCapture log;
+        EXPECT_EQ(wanted.load(table), wanted.code) << wanted.log;
+        EXPECT_EQ(table.GetError().code, wanted.code) << wanted.log;
+        EXPECT_EQ(table.GetError().message, "Failed to cast form 2d vector");
+        EXPECT_TRUE(log.Has(1, wanted.log)) << wanted.log;
+    }
+}
+
+} // namespace
+} // namespace MERVO::Tessera

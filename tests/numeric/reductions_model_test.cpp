@@ -1,0 +1,204 @@
+// Holds the reductions against loops that take one element after the other, over random columns of every value type.
+
+#include <random>
+
+#include "tessera/numeric/cal_mean.h"
+#include "tessera/numeric/first_best.h"
+#include "tests/numeric/reduce.h"
+#include "tests/numeric/reduction_model.h"
+
+namespace MERVO::Tessera {
+namespace {
+
+using Random = std::mt19937_64;
+
+/// What a column is made of; each flavour brings out another rule.
+enum Flavour { ANY_VALUE, MANY_EQUALS, ONLY_ENDS, NAN_LATER, NAN_IN_FRONT, ONLY_NAN, ONLY_ZEROS, FLAVOUR_COUNT };
+
+template <std::floating_point T>
+T NanOf(Random& random)
+{
+    using Bits = std::conditional_t<sizeof(T) == 8, std::uint64_t, std::uint32_t>;
+    const auto infinite = std::bit_cast<Bits>(std::numeric_limits<T>::infinity());
+    return std::bit_cast<T>(static_cast<Bits>(random()) | infinite | Bits{1}); // signalling ones too, of both signs
+}
+
+template <std::floating_point T>
+T CellOf(Random& random, Flavour flavour, std::size_t row)
+{
+    const auto some = static_cast<T>(static_cast<std::int32_t>(random())) / T{1000};
+    switch (flavour) {
+    case MANY_EQUALS:
+        return static_cast<T>(random() % 5) - T{4};
+    case ONLY_ENDS:
+        return std::numeric_limits<T>::infinity() * (random() % 2 == 0 ? T{1} : T{-1});
+    case NAN_LATER:
+        return row != 0 && random() % 20 == 0 ? NanOf<T>(random) : some;
+    case NAN_IN_FRONT:
+        return row == 0 ? NanOf<T>(random) : some;
+    case ONLY_NAN:
+        return NanOf<T>(random);
+    case ONLY_ZEROS:
+        return random() % 2 == 0 ? T{0} : -T{0};
+    default:
+        return some;
+    }
+}
+
+template <std::integral T>
+requires(!std::is_same_v<T, bool>) T CellOf(Random& random, Flavour flavour, std::size_t)
+{
+    switch (flavour) {
+    case MANY_EQUALS:
+        return static_cast<T>(random() % 5);
+    case ONLY_ENDS:
+        return random() % 2 == 0 ? std::numeric_limits<T>::min() : std::numeric_limits<T>::max();
+    case NAN_LATER:
+        return static_cast<T>(static_cast<std::int64_t>(random()) >> 20); // sums around 2^53
+    case ONLY_ZEROS:
+        return T{0};
+    default:
+        return static_cast<T>(random());
+    }
+}
+
+template <std::same_as<bool> T>
+T CellOf(Random& random, Flavour flavour, std::size_t)
+{
+    switch (flavour) {
+    case MANY_EQUALS:
+        return random() % 300 == 0;
+    case ONLY_ENDS:
+        return true;
+    case NAN_LATER:
+        return random() % 300 != 0;
+    case ONLY_ZEROS:
+        return false;
+    default:
+        return random() % 2 == 0;
+    }
+}
+
+template <std::same_as<DateTime> T>
+T CellOf(Random& random, Flavour flavour, std::size_t row)
+{
+    return DateTime(CellOf<std::int32_t>(random, flavour, row));
+}
+
+template <std::same_as<std::string> T>
+T CellOf(Random& random, Flavour flavour, std::size_t)
+{
+    constexpr char LETTERS[] = {'a', 'b', '\0', '\xFF'};
+    std::string cell(flavour == MANY_EQUALS ? 20 : 0, 'a'); // equal for longer than a string holds in itself
+    for (std::size_t length = random() % 4; length != 0; --length) {
+        cell.push_back(LETTERS[random() % sizeof LETTERS]);
+    }
+    return cell;
+}
+
+template <typename T>
+typename Window<T>::Neighbours NeighboursOf()
+{
+    if constexpr (std::is_floating_point_v<T>) {
+        return {std::numeric_limits<T>::infinity(), std::numeric_limits<T>::quiet_NaN()};
+    } else if constexpr (std::is_same_v<T, DateTime>) {
+        return {DateTime(2147483647), DateTime(-2147483647L - 1)};
+    } else if constexpr (std::is_same_v<T, std::string>) {
+        return {"\xFF\xFF\xFF\xFF", ""};
+    } else {
+        return {std::numeric_limits<T>::max(), std::numeric_limits<T>::min()};
+    }
+}
+
+template <typename T>
+testing::AssertionResult SumsAgree(const Cursor& range, const std::vector<T>& cells)
+{
+    if constexpr (!std::is_same_v<T, std::string>) {
+        const auto sum = Reduces<Func::Sum>(range, ReductionModel<T>::Sum(cells));
+        const auto mean = Reduces<Func::Mean>(range, ReductionModel<T>::Mean(cells));
+        if (!sum || !mean) {
+            return sum ? mean : sum;
+        }
+    }
+    if constexpr (Arithmetic<T>) {
+        return IsBitwise(Func::CalMean(range, false), ReductionModel<T>::MeanOfNumbers(cells, false));
+    }
+    return testing::AssertionSuccess();
+}
+
+template <typename T>
+testing::AssertionResult ExtremaAgree(const Cursor& range, const std::vector<T>& cells)
+{
+    auto agree = Reduces<Func::IdxMax>(range, ReductionModel<T>::IdxMax(cells));
+    agree = agree ? Reduces<Func::Max>(range, ReductionModel<T>::Max(cells)) : agree;
+    if constexpr (!std::is_same_v<T, std::string>) {
+        agree = agree ? Reduces<Func::Min>(range, ReductionModel<T>::Min(cells)) : agree;
+        agree = agree ? Reduces<Func::Ptp>(range, ReductionModel<T>::Ptp(cells)) : agree;
+    }
+    return agree;
+}
+
+/// Row counts around everything that a kernel takes at once: vectors, batches, words and blocks.
+template <typename T>
+std::vector<std::size_t> RowCounts()
+{
+    std::vector<std::size_t> counts{
+        0, 1, 2, 3, 4, 7, 8, 9, 15, 16, 17, 31, 32, 33, 63, 64, 65, 127, 128, 129, 300, 4097};
+    if constexpr (Arithmetic<T>) {
+        constexpr auto BLOCK = static_cast<std::size_t>(Func::BLOCK_OF<T>);
+        counts.insert(counts.end(), {BLOCK - 1, BLOCK, BLOCK + 1, 2 * BLOCK + 1});
+    }
+    return counts;
+}
+
+template <typename T>
+class ReductionsOfType : public testing::Test {
+};
+
+using ReducedTypes = testing::Types<bool, std::int8_t, std::uint8_t, std::int16_t, std::uint16_t, std::int32_t,
+    std::uint32_t, std::int64_t, std::uint64_t, float, double, std::string, DateTime>;
+TYPED_TEST_SUITE(ReductionsOfType, ReducedTypes);
+
+TYPED_TEST(ReductionsOfType, AgreeWithTheModel)
+{
+    Random random(41);
+    for (const std::size_t count : RowCounts<TypeParam>()) {
+        for (int flavour = 0; flavour < FLAVOUR_COUNT; ++flavour) {
+            std::vector<TypeParam> cells;
+            for (std::size_t row = 0; row < count; ++row) {
+                cells.push_back(CellOf<TypeParam>(random, static_cast<Flavour>(flavour), row));
+            }
+            for (const ContainerID container : BOTH_CONTAINERS) {
+                const auto firstRow = static_cast<std::uint32_t>(random() % 19);
+                const Window<TypeParam> window(cells, container, firstRow, NeighboursOf<TypeParam>());
+                ASSERT_TRUE(SumsAgree(window.Range(), cells))
+                    << count << " rows from " << firstRow << ", flavour " << flavour << ", container " << container;
+                ASSERT_TRUE(count == 0 || ExtremaAgree(window.Range(), cells))
+                    << count << " rows from " << firstRow << ", flavour " << flavour << ", container " << container;
+            }
+        }
+    }
+}
+
+template <typename T>
+class ExtremaOfNumbers : public testing::Test {
+};
+
+using Numbers = testing::Types<bool, std::int8_t, std::uint8_t, std::int16_t, std::uint16_t, std::int32_t,
+    std::uint32_t, std::int64_t, std::uint64_t, float, double>;
+TYPED_TEST_SUITE(ExtremaOfNumbers, Numbers);
+
+TYPED_TEST(ExtremaOfNumbers, StandAtTheFirstOfTwoBestWhereverTheyLie)
+{
+    constexpr std::size_t COUNT = 150;
+    for (std::size_t place = 0; place < COUNT; ++place) {
+        std::vector<TypeParam> cells(COUNT, TypeParam{0});
+        cells[place] = TypeParam{1};
+        cells[place + (COUNT - place) / 2] = TypeParam{1};
+        const Window<TypeParam> window(cells, CONTAINER_ARRAY, 5, NeighboursOf<TypeParam>());
+        ASSERT_TRUE(ExtremaAgree(window.Range(), cells)) << "place " << place;
+    }
+}
+
+} // namespace
+} // namespace MERVO::Tessera

@@ -1,0 +1,120 @@
+#include "tessera/numeric/window_sums.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace MERVO::Tessera::Func {
+namespace {
+
+template <typename Real>
+class WindowSums : public testing::Test {
+protected:
+    std::vector<Real> Random(std::size_t count, std::int64_t unitsPerOne)
+    {
+        std::vector<Real> values(count);
+        for (Real& value : values) {
+            value = static_cast<Real>(static_cast<std::int32_t>(random()) / 4096) / static_cast<Real>(unitsPerOne);
+        }
+        return values;
+    }
+
+    /// One window after the other, the newest element first.
+    static std::vector<Real> Model(const std::vector<Real>& values, std::size_t count, std::size_t window)
+    {
+        std::vector<Real> sums;
+        for (std::size_t i = 0; i < count; ++i) {
+            Real sum{0};
+            for (std::size_t k = window; k-- > 0;) {
+                sum += values[i + k];
+            }
+            sums.push_back(sum);
+        }
+        return sums;
+    }
+
+    std::mt19937_64 random{11};
+};
+
+using Reals = testing::Types<float, double>;
+TYPED_TEST_SUITE(WindowSums, Reals);
+
+// Widths around all sizes of groups, and counts that leave groups unfinished.
+TYPED_TEST(WindowSums, AreAddedInOrder)
+{
+    for (std::size_t window = 1; window < 150; ++window) {
+        for (const std::size_t count : {1U, 2U, 5U, 31U, 32U, 33U, 64U, 100U}) {
+            const auto values = this->Random(count + window - 1 + WINDOW_SLACK, 1000);
+            const auto expected = this->Model(values, count, window);
+            for (const bool mayGoWide : {false, true}) {
+                std::vector<TypeParam> sums(count + WINDOW_SLACK);
+                AddWindows(values.data(), count, window, sums.data(), mayGoWide);
+                ASSERT_EQ(std::memcmp(sums.data(), expected.data(), count * sizeof(TypeParam)), 0)
+                    << count << " windows of " << window;
+            }
+        }
+    }
+}
+
+// A group passes over elements of its neighbours' windows, which may be anything.
+TYPED_TEST(WindowSums, KeepTheirElementsApart)
+{
+    const std::size_t window = 40;
+    auto values = this->Random(200 + WINDOW_SLACK, 1000);
+    values[100] = std::numeric_limits<TypeParam>::infinity();
+    std::vector<TypeParam> sums(160 + WINDOW_SLACK);
+    AddWindows(values.data(), 160, window, sums.data());
+    for (std::size_t i = 0; i < 160; ++i) {
+        EXPECT_EQ(std::isinf(sums[i]), i <= 100 && 100 < i + window) << i;
+    }
+}
+
+TYPED_TEST(WindowSums, SlideToTheSameBits)
+{
+    int exact = 0;
+    for (const std::int64_t unitsPerOne : {1, 8, 1024, 1000}) {
+        for (const std::size_t window : {2U, 9U, 64U, 300U, 1000U}) {
+            const auto values = this->Random(500 + window - 1, unitsPerOne);
+            if (HaveExactSums(values.data(), values.size(), window)) {
+                ++exact;
+                std::vector<TypeParam> sums(500);
+                SlideWindows(values.data(), 500, window, sums.data());
+                EXPECT_EQ(sums, this->Model(values, 500, window)) << window;
+            }
+        }
+    }
+    EXPECT_EQ(exact, sizeof(TypeParam) == sizeof(double) ? 15 : 6); // 20 bits and the window's must fit
+}
+
+TYPED_TEST(WindowSums, AreExactAsFarAsTheDigitsReach)
+{
+    const auto areExact = [](std::vector<TypeParam> values, std::size_t window) {
+        return HaveExactSums(values.data(), values.size(), window);
+    };
+    constexpr int DIGITS = std::numeric_limits<TypeParam>::digits;
+    const TypeParam most = std::ldexp(TypeParam{1}, DIGITS - 7);
+    EXPECT_TRUE(areExact({1, -2, 3}, 64));
+    EXPECT_TRUE(areExact({0, -TypeParam{0}}, 64));
+    EXPECT_TRUE(areExact({most - 1, 1}, 63));
+    EXPECT_FALSE(areExact({4 * most, 1}, 64));
+    EXPECT_FALSE(areExact({-4 * most, 1}, 64));
+    EXPECT_TRUE(areExact({most / 1024, TypeParam{1} / 1024}, 63));
+    EXPECT_FALSE(areExact({most, TypeParam{1} / 1024}, 63));
+    EXPECT_FALSE(areExact({1, TypeParam{1} / 10}, 2));
+    EXPECT_FALSE(areExact({1, std::numeric_limits<TypeParam>::infinity()}, 2));
+    EXPECT_FALSE(areExact({1, -std::numeric_limits<TypeParam>::infinity()}, 2));
+    EXPECT_FALSE(areExact({1, std::numeric_limits<TypeParam>::quiet_NaN()}, 2));
+    EXPECT_FALSE(areExact({std::numeric_limits<TypeParam>::max(), 0}, 2));
+    EXPECT_FALSE(areExact({std::numeric_limits<TypeParam>::denorm_min(), 0}, 2));
+    // A cell that is none far from the end, where the first look doesn't reach.
+    std::vector<TypeParam> late(200, TypeParam{3});
+    late.front() = TypeParam{1} / 3;
+    EXPECT_FALSE(areExact(late, 64));
+}
+
+} // namespace
+} // namespace MERVO::Tessera::Func
