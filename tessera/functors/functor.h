@@ -9,7 +9,7 @@ namespace MERVO::Tessera::Func {
  * `template <typename T> ErrorCode OnExecute(const Cursor&) const`; OnExecuteSIMD if it has a contiguous form.
  */
 template <typename F, MutableArgs... ARGS>
-class Nullary : public NullaryBase {
+class TESSERA_API Nullary : public NullaryBase {
     using Layout = TransformTable<CallerID::NULLARY, F, sizeof...(ARGS)>;
 
 public:
@@ -37,7 +37,7 @@ constinit const std::array<NullaryEntry, Nullary<F, ARGS...>::Layout::SIZE>
  * ARGS name. By default it reduces: one cell of the source's type from at least one element.
  */
 template <typename F, MutableArgs... ARGS>
-class Unary : public UnaryBase {
+class TESSERA_API Unary : public UnaryBase {
     using Layout = TransformTable<CallerID::UNARY, F, sizeof...(ARGS)>;
 
 public:
@@ -69,7 +69,7 @@ constinit const std::array<UnaryEntry, Unary<F, ARGS...>::Layout::SIZE>
 
 /// The frame of a functor from two sources to a destination; F brings what the unary frame asks for, with two sources.
 template <typename F, MutableArgs... ARGS>
-class Binary : public BinaryBase {
+class TESSERA_API Binary : public BinaryBase {
     using Layout = TransformTable<CallerID::BINARY, F, sizeof...(ARGS)>;
     static_assert(sizeof...(ARGS) <= 1);
 
