@@ -177,8 +177,8 @@ ErrorCode ReadTable(DataFrame& table, std::string path, const CsvForm& form, con
 
 // ---- From cells
 
-/// Fills a column with every stride-th cell. They pass through a text in which they stand as fields do in a file.
-void FillColumn(CsvColumns& columns, std::size_t column, const std::string* cell, std::size_t stride, std::size_t rows)
+/// Fills a column with every stride-th of the cells. They pass through a text in which they stand as fields do in a file.
+void FillColumn(CsvColumns& columns, std::size_t column, const std::string* cells, std::size_t stride, std::size_t rows)
 {
     constexpr std::size_t BLOCK_ROWS = 256;
     std::string text;
@@ -186,8 +186,8 @@ void FillColumn(CsvColumns& columns, std::size_t column, const std::string* cell
     for (std::size_t first = 0; first < rows && column < columns.OpenCount();) {
         const std::size_t count = std::min(rows - first, BLOCK_ROWS);
         text.clear();
-        for (std::size_t row = 0; row < count; ++row, cell += stride) {
-            text += *cell;
+        for (std::size_t row = 0; row < count; ++row) {
+            text += cells[(first + row) * stride];
             ends[row + 1] = text.size();
         }
         text.append(FieldColumn::FIELD_GUARD, '\n');

@@ -63,7 +63,7 @@ public:
         mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EBULL;
         return mixed ^ (mixed >> 31);
     }
-    std::uint64_t Below(std::uint64_t bound) { return Next() % bound; }
+    std::uint32_t Below(std::uint32_t bound) { return static_cast<std::uint32_t>(Next() % bound); }
 
 private:
     std::uint64_t state;
@@ -268,7 +268,7 @@ TEST_F(Digests, OfDateRanges)
         const auto absentOr = [&random](bool isAbsent) {
             return DateTime(isAbsent ? 0x7FFFFFFFL : static_cast<std::int32_t>(random.Next()));
         };
-        const std::uint64_t left = random.Below(4);
+        const std::uint32_t left = random.Below(4);
         const DateTime start = absentOr(left == 0);
         const DateTime end = absentOr(left == 1);
         const DateTime step(left == 2 ? 0x7FFFFFFFL : static_cast<long>(random.Below(1U << 30)) - (1L << 29));
