@@ -16,5 +16,5 @@ targets=("${@:2}")
 # Clones at other places share one compiler cache.
 export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
 echo "== build $preset"
-cmake --preset "$preset" --log-level=WARNING "${arguments[@]}" > /dev/null
+cmake --preset "$preset" --no-warn-unused-cli --log-level=WARNING "${arguments[@]}" > /dev/null
 NINJA_STATUS='' cmake --build --preset "$preset" ${targets[0]:+--target "${targets[@]}"} -- --quiet

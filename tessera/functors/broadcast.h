@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "tessera/core/error.h"
 #include "tessera/functors/element_walk.h"
 
 /// How columns of different lengths are paired row by row: one row stands for all rows.

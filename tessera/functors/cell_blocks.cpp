@@ -1,6 +1,5 @@
 #include "tessera/functors/cell_blocks.h"
 
-#include <algorithm>
 #include <cstring>
 #include <functional>
 
@@ -106,8 +105,8 @@ OperandBlocks::OperandBlocks(
     const Cursor& source, bool isRepeated, const ResultBlocks& results, std::uint32_t resultCount)
     : CellBlocks(source), repeats(isRepeated)
 {
-    const bool isInPlace = form == Form::VALUES && !isList && !isBits;
-    readsInPlace = isInPlace && !isRepeated && !results.IsWrittenOver(element, resultCount * elementSize, resultCount);
+    readsInPlace =
+        IsInPlace() && !isRepeated && !results.IsWrittenOver(element, resultCount * elementSize, resultCount);
     if (repeats) {
         Spread();
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -33,6 +34,9 @@ protected:
     template <typename Visit>
     void ForEachCell(std::uint32_t count, Visit&& visit);
 
+    /// Whether kernels work on the cells where they are.
+    bool IsInPlace() const { return form == Form::VALUES && !isList && !isBits; }
+
     Form form = Form::VALUES;
     bool isList = false;
     bool isBits = false;
@@ -65,9 +69,6 @@ public:
 
     /// Whether cells that a kernel reads in place lie in memory that it will write in place.
     bool IsWrittenOver(const std::byte* head, std::size_t bytes, std::uint32_t count) const;
-
-private:
-    bool IsInPlace() const { return form == Form::VALUES && !isList && !isBits; }
 };
 
 /// The cells of an operand; one that repeats gives its first cell every time.

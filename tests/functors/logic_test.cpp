@@ -195,7 +195,8 @@ TEST(Logic, FoldsAColumn)
                 for (const bool isOddTrue : {true, false}) {
                     std::vector<bool> cells(offsets + length + 5, !isOddTrue);
                     cells[offsets + odd] = isOddTrue;
-                    const auto trues = std::count(cells.begin() + offsets, cells.begin() + offsets + length, true);
+                    const auto trues = static_cast<std::uint32_t>(
+                        std::count(cells.begin() + offsets, cells.begin() + offsets + length, true));
                     for (const ContainerID container : BOTH_CONTAINERS) {
                         const SeriesPtr column = Column<bool>("", cells, container);
                         CheckFolds(
