@@ -177,7 +177,8 @@ ErrorCode ReadTable(DataFrame& table, std::string path, const CsvForm& form, con
 
 // ---- From cells
 
-/// Fills a column with every stride-th of the cells. They pass through a text in which they stand as fields do in a file.
+/// Fills a column with every stride-th of the cells. They pass through a text in which they stand as fields do in a
+/// file.
 void FillColumn(CsvColumns& columns, std::size_t column, const std::string* cells, std::size_t stride, std::size_t rows)
 {
     constexpr std::size_t BLOCK_ROWS = 256;
