@@ -21,8 +21,8 @@ recorded=$(cat "$RECORD" 2> /dev/null || echo "$size")
 printf '== stripped libtessera.so: %d bytes of %d (%d %%), %+d since it was recorded\n' \
     "$size" "$BUDGET" $((size * 100 / BUDGET)) $((size - recorded))
 echo "== its 20 largest symbols, in bytes"
-arm-linux-gnueabihf-nm --print-size --size-sort --reverse-sort --radix=d "$library" | head -n 20 |
-    awk '{print $2 + 0, $4}' | c++filt | cut -c 1-160
+arm-linux-gnueabihf-nm --print-size --size-sort --reverse-sort --radix=d "$library" |
+    awk 'NR <= 20 {print $2 + 0, $4}' | c++filt | cut -c 1-160
 
 status=0
 scripts/run_suite.py arm UTC || status=1
