@@ -18,17 +18,18 @@ bool AreBuffersThere(const MERVO_TSR_RESULT& result, std::size_t rows)
 template <typename T>
 ErrorCode ReadRows(const DataFrameRef& table, MERVO_TSR_RESULT& result)
 {
-    const TableReader reader(table);
+    TableReader reader(table);
     if (reader.CanRead(TYPE_ID_OF<T>, "2d", "Type mismatch on exporting 2d vector")) {
-        if (!AreBuffersThere(result, table.RowCount())) {
-            return RefuseHandle("MERVO_TSR_GetResult");
-        }
-        const ErrorCode code = reader.Read<T>([&result](auto&& cell, std::size_t row, std::size_t column) {
-            static_cast<T*>(result.rows[row])[column] = cell;
-        });
+        const ErrorCode code = reader.Open();
         if (code != ERROR_NONE) {
             return code;
         }
+        if (!AreBuffersThere(result, table.RowCount())) {
+            return RefuseHandle("MERVO_TSR_GetResult");
+        }
+        reader.Read<T>([&result](auto&& cell, std::size_t row, std::size_t column) {
+            static_cast<T*>(result.rows[row])[column] = cell;
+        });
     }
     result.rowCount = table.RowCount();
     result.colCount = table.ColumnCount();
