@@ -146,6 +146,17 @@ TEST(Transpose, RefusesWithCodeAndMessage)
     }
 }
 
+TEST(Transpose, RefusesAWindowWhoseColumnsGotShorter)
+{
+    DataFrame table = Table<std::int32_t>(4, 1);
+    const DataFrameRef window = table.Slice(0, {0, 3});
+    ASSERT_EQ(
+        table.ApplyInplace(Func::FunctorFactory<Func::CopySeries, Func::UnaryBase>{}, Table<std::int32_t>(2, 1)), 0);
+    const LogCapture log;
+    EXPECT_EQ(window.Transpose().GetError().code, 5);
+    EXPECT_TRUE(log.Has(1, "Column 0 of the window can't be read"));
+}
+
 TEST(TransposeFlatCall, AnswersInTheDestination)
 {
     const std::int32_t data[] = {1, 2, 3, 4, 5, 6};
