@@ -140,7 +140,7 @@ ErrorCode DataFrame::ApplyRows(const UnaryFactory& factory, const DataFrame& src
 {
     const ContainerID container = src.ContainerType();
     const bool hasColumns = src.GetError().code == ERROR_NONE && src.ColumnCount() != 0; // else the check below tells
-    if (hasColumns && (container < CONTAINER_BEGIN || container >= CONTAINER_END)) {
+    if (hasColumns && !IsContainer(container)) {
         LogError("Container %d should be in range of [CONTAINER_BEGIN, CONTAINER_END)", static_cast<int>(container));
         return ERROR_BAD_KIND;
     }

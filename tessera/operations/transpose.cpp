@@ -64,7 +64,7 @@ Error Refusal(const DataFrameRef& table)
         return {ERROR_MIXED_TYPES, "dataframe is mix-type"};
     }
     const ContainerID container = table.ContainerType();
-    if (container < CONTAINER_BEGIN || container >= CONTAINER_END) {
+    if (!IsContainer(container)) {
         LogError("Container %d should be in range of [CONTAINER_BEGIN, CONTAINER_END) for transposing",
             static_cast<int>(container));
         return {ERROR_BAD_KIND, "Container Type is out of range"};
