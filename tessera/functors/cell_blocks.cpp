@@ -8,7 +8,6 @@
 #include "tessera/core/date_time.h"
 
 namespace MERVO::Tessera::Func {
-
 namespace {
 
 /// The bytes of a cell as kernels see it; 0 for cells of which they see the address.
