@@ -197,51 +197,6 @@ TEST(Comparison, DoesNotServeNestedTables)
     }
 }
 
-// ---- Checks
-
-TEST(Comparison, AsksForBoolsAsLongAsTheLongerSide)
-{
-    struct Case {
-        std::uint32_t left;
-        std::uint32_t right;
-        std::uint32_t result;
-        bool isServed;
-    };
-    const Case cases[] = {
-        {3, 3, 3, true}, {1, 3, 3, true}, {3, 1, 3, true}, {0, 0, 0, true}, {2, 3, 0, false}, {0, 2, 0, false}};
-    for (const Case& wanted : cases) {
-        const SeriesPtr left = BuildSeries({wanted.left, CONTAINER_LIST, TESSERA_STRING}, "");
-        const SeriesPtr right = BuildSeries({wanted.right, CONTAINER_ARRAY, TESSERA_STRING}, "");
-        const SeriesPtr others = BuildSeries({wanted.right, CONTAINER_ARRAY, TESSERA_INT8}, "");
-        for (const Relation relation : ALL_RELATIONS) {
-            const auto functor = MakeFunctor(relation);
-            const SeriesAttr attr = functor->GetDstAttr(left->GetIterator(), right->GetIterator());
-            EXPECT_EQ(attr.length, wanted.result);
-            EXPECT_EQ(attr.typeId, TESSERA_BOOL);
-            EXPECT_EQ(attr.containerId, CONTAINER_LIST);
-            const auto isAccepted = [&](const SeriesPtr& second, const SeriesAttr& result) {
-                return functor->CheckParams(
-                    left->GetIterator(), second->GetIterator(), BuildSeries(result, "")->GetIterator());
-            };
-            EXPECT_EQ(isAccepted(right, attr), wanted.isServed);
-            EXPECT_FALSE(isAccepted(others, attr));
-            EXPECT_FALSE(isAccepted(right, WithType(attr, TESSERA_STRING)));
-            EXPECT_FALSE(isAccepted(right, WithLength(attr, wanted.result + 1)));
-        }
-    }
-}
-
-TEST(Comparison, LeavesTheBitFalseWhereOneRowMeetsNone)
-{
-    const SeriesPtr none = BuildSeries({0, CONTAINER_ARRAY, TESSERA_INT64}, "");
-    const SeriesPtr one = Column<std::int64_t>("", {0});
-    const SeriesPtr result = BuildSeries({1, CONTAINER_ARRAY, TESSERA_BOOL}, "");
-    const Error outcome = Func::LessEqual<CONTAINER_ARRAY>().ProcessSeries(
-        none->GetIterator(), one->GetIterator(), result->GetIterator());
-    EXPECT_EQ(outcome.code, 0);
-    EXPECT_THAT(CellsOf<bool>(result->GetIterator()), ElementsAre(false));
-}
-
 // ---- Tables
 
 TEST(ComparisonOperator, MeetsColumnByColumnAndRowByRow)
@@ -258,27 +213,6 @@ TEST(ComparisonOperator, MeetsColumnByColumnAndRowByRow)
     EXPECT_THAT((many >= one).To1DVector<bool>(), ElementsAre(false, true, true, true, true, false));
     EXPECT_THAT(
         (many != many.Slice(1, {0, 1})).To1DVector<bool>(), ElementsAre(false, true, false, false, false, true));
-}
-
-TEST(ComparisonOperator, KeepsTheCodeOfAFailure)
-{
-    using Operator = DataFrame (*)(const DataFrameRef&, const DataFrameRef&);
-    const Operator operators[] = {
-        &operator==, &operator!=, &operator<, &operator>, &operator<=, &operator>=, &operator&&, &operator|| };
-    const DataFrame two = TableOf(Column<bool>("a", {true, false}));
-    const DataFrame three = TableOf(Column<bool>("a", {true, false, true}));
-    const DataFrame other = TableOf(Column<std::string>("a", {"", ""}));
-    const DataFrame wide = TableOf(Column<bool>("a", {true}), Column<bool>("b", {true}));
-    const DataFrame wider = TableOf(Column<bool>("a", {true}), Column<bool>("b", {true}), Column<bool>("c", {true}));
-    for (const Operator& combine : operators) {
-        const std::pair<DataFrame, ErrorCode> results[] = {{combine(two, three), 21}, {combine(two, other), 21},
-            {combine(wide, wider), 19}, {combine(two, DataFrame()), 7}, {combine(combine(two, three), two), 21}};
-        for (const auto& [result, code] : results) {
-            EXPECT_EQ(result.GetError().code, code);
-            EXPECT_EQ(result.GetError().message, "Error on executing operator");
-        }
-    }
-    EXPECT_EQ((TableOf(Column<DataFrame>("", {two})) == TableOf(Column<DataFrame>("", {two}))).GetError().code, 1);
 }
 
 } // namespace

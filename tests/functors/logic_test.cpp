@@ -117,25 +117,11 @@ TEST(Logic, MayWriteOverAnOperand)
     EXPECT_TRUE(AreSame(bits.CellsNow(), expected));
 }
 
-TEST(Logic, ServesBoolsOnly)
+TEST(Logic, InvertsBoolsOnly)
 {
     const SeriesPtr bools = Column<bool>("", {true, false});
     const SeriesPtr three = Column<bool>("", {true, false, true});
     const SeriesPtr numbers = Column<std::int8_t>("", {1, 0});
-    for (const Operation& operation : Operations()) {
-        const SeriesAttr attr = operation.functor->GetDstAttr(numbers->GetIterator(), numbers->GetIterator());
-        EXPECT_EQ(attr.typeId, TESSERA_BOOL);
-        EXPECT_EQ(attr.length, 2U);
-        using Arguments = std::array<const SeriesPtr*, 3>;
-        for (const auto& [left, right, result] : {Arguments{&numbers, &numbers, &bools},
-                 Arguments{&bools, &numbers, &bools}, Arguments{&bools, &bools, &numbers},
-                 Arguments{&bools, &three, &three}, Arguments{&bools, &bools, &three}}) {
-            const Error outcome = operation.functor->ProcessSeries(
-                (*left)->GetIterator(), (*right)->GetIterator(), (*result)->GetIterator());
-            EXPECT_EQ(outcome.code, 21);
-            EXPECT_EQ(outcome.message, std::string("Check param failed in binary functor") + operation.name);
-        }
-    }
     const Func::Not<CONTAINER_ARRAY> invert;
     EXPECT_EQ(invert.GetDstAttr(numbers->GetIterator()).typeId, TESSERA_BOOL);
     using Ends = std::pair<const SeriesPtr*, const SeriesPtr*>;
@@ -260,19 +246,6 @@ TEST(LogicOperator, CombinesTables)
     window |= right.Slice(0U, {1, 3});
     EXPECT_EQ(window.GetError().code, 0);
     EXPECT_THAT(table.To1DVector<bool>(), ElementsAre(false, true, false, true));
-}
-
-TEST(LogicOperator, HasItsOwnTextForAFailure)
-{
-    const DataFrame numbers = TableOf(Column<std::int32_t>("", {1, 2}));
-    DataFrame table = Bools({{true, false}});
-    table &= numbers;
-    EXPECT_EQ(table.GetError().code, 21);
-    EXPECT_EQ(table.GetError().message, "operator&= failed");
-    table |= numbers;
-    EXPECT_EQ(table.GetError().code, 21);
-    EXPECT_EQ(table.GetError().message, "operator|= failed");
-    EXPECT_EQ((numbers && numbers).GetError().code, 21);
 }
 
 DataFrame FailedTable()
