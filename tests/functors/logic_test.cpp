@@ -15,42 +15,17 @@ using testing::ElementsAre;
 
 /// A binary functor on bools, and what it does to two of them.
 struct Operation {
-    const char* name;
-    std::unique_ptr<Func::BinaryBase> functor;
+    std::shared_ptr<Func::BinaryBase> functor;
     bool (*model)(bool left, bool right);
 };
 
 std::vector<Operation> Operations()
 {
-    std::vector<Operation> operations;
-    operations.push_back(
-        {"And", std::make_unique<Func::And<CONTAINER_ARRAY>>(), [](bool left, bool right) { return left && right; }});
-    operations.push_back(
-        {"Or", std::make_unique<Func::Or<CONTAINER_ARRAY>>(), [](bool left, bool right) { return left || right; }});
-    return operations;
+    return {{std::make_shared<Func::And<CONTAINER_ARRAY>>(), [](bool left, bool right) { return left && right; }},
+        {std::make_shared<Func::Or<CONTAINER_ARRAY>>(), [](bool left, bool right) { return left || right; }}};
 }
 
 // ---- And, Or, Not
-
-/// Where the windows of left operand, right operand and result begin in their columns.
-using Leads = std::array<std::uint32_t, 3>;
-
-void CheckAgainstModel(
-    const Operation& operation, Lengths lengths, const Containers& containers, const Leads& leads, Random& random)
-{
-    const Surrounded<bool> left(random, leads[0], lengths.left, containers[0]);
-    const Surrounded<bool> right(random, leads[1], lengths.right, containers[1]);
-    const Surrounded<bool> result(random, leads[2], lengths.Result(), containers[2]);
-    ASSERT_EQ(operation.functor->ProcessSeries(left.Window(), right.Window(), result.Window()).code, 0);
-    std::vector<bool> expected = result.CellsBefore();
-    for (std::uint32_t i = 0; i < lengths.Result(); ++i) {
-        expected[leads[2] + i] =
-            operation.model(left.Cell(lengths.left == 1 ? 0 : i), right.Cell(lengths.right == 1 ? 0 : i));
-    }
-    ASSERT_TRUE(AreSame(result.CellsNow(), expected))
-        << operation.name << " of " << lengths.left << " and " << lengths.right << " at " << leads[0] << ", "
-        << leads[1] << ", " << leads[2];
-}
 
 TEST(Logic, CombinesBitsOfAllOffsets)
 {
@@ -59,8 +34,8 @@ TEST(Logic, CombinesBitsOfAllOffsets)
         for (std::uint32_t offsets = 0; offsets < 512; ++offsets) {
             const Leads leads{offsets & 7, (offsets >> 3) & 7, offsets >> 6};
             for (const std::uint32_t length : {2U, 5U, 9U, 64U, 70U, 129U, 200U}) {
-                CheckAgainstModel(operation, {length, length}, ARRAYS, leads, random);
-                ASSERT_FALSE(HasFatalFailure());
+                ASSERT_NO_FATAL_FAILURE((CheckAgainstModel<bool, bool>(
+                    *operation.functor, {length, length}, ARRAYS, leads, random, operation.model)));
             }
         }
     }
@@ -73,8 +48,8 @@ TEST(Logic, CombinesInAllContainersAndLengths)
         for (const Lengths lengths : LENGTHS_THAT_MEET) {
             for (const Containers& containers : AllContainers()) {
                 for (int run = 0; run < 4; ++run) { // so that the one row is true and false
-                    CheckAgainstModel(operation, lengths, containers, {5, 0, 3}, random);
-                    ASSERT_FALSE(HasFatalFailure());
+                    ASSERT_NO_FATAL_FAILURE((CheckAgainstModel<bool, bool>(
+                        *operation.functor, lengths, containers, {5, 0, 3}, random, operation.model)));
                 }
             }
         }
