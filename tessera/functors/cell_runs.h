@@ -1,10 +1,9 @@
 #pragma once
 
 #include <array>
-#include <cstddef>
 #include <cstdint>
 
-#include "tessera/core/cursor.h"
+#include "tessera/functors/cell_place.h"
 
 namespace MERVO::Tessera::Func {
 
@@ -17,7 +16,7 @@ namespace MERVO::Tessera::Func {
  */
 class CellRuns {
 public:
-    explicit CellRuns(const Cursor& cursor);
+    explicit CellRuns(const Cursor& cursor) : place(cursor) {}
 
     /// How many cells one run can have from here; the range's end is the caller's concern.
     std::uint32_t Longest() const;
@@ -27,22 +26,12 @@ public:
     void* Room();
     void Written(std::uint32_t count);
     /// Passes over a run.
-    void Skip(std::uint32_t count);
+    void Skip(std::uint32_t count) { place.Skip(count); }
 
 private:
     static constexpr std::uint32_t BUFFERED_BITS = 512;
-    enum class Layout : std::uint8_t { ELEMENTS, BITS, NODES };
-    using ValueOfNode = void* (*)(ListLink*);
 
-    template <typename T>
-    void Open(const Cursor& cursor);
-
-    Layout layout = Layout::ELEMENTS;
-    std::byte* element = nullptr;
-    std::size_t elementSize = 0;
-    BitPosition bit;
-    ListLink* node = nullptr;
-    ValueOfNode valueOf = nullptr;
+    CellPlace place;
     std::array<bool, BUFFERED_BITS> buffer;
 };
 

@@ -149,10 +149,8 @@ void PickFinishSums(Real* sums, std::size_t count, Real divisor)
 template <typename Real>
 Real LargestMagnitude(const Real* values, std::size_t count)
 {
-    const Real largest =
-        BestOf(values, values + count, Real{0}, [](const auto& value, const auto& best) { return best < value; });
-    const Real smallest =
-        BestOf(values, values + count, Real{0}, [](const auto& value, const auto& best) { return value < best; });
+    const Real largest = BestOf(values, values + count, Real{0}, IsGreater{});
+    const Real smallest = BestOf(values, values + count, Real{0}, IsLess{});
     return std::max(largest, -smallest);
 }
 
