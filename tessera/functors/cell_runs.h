@@ -1,8 +1,11 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
+#include "tessera/core/cursor.h"
+#include "tessera/core/error.h"
 #include "tessera/functors/cell_place.h"
 
 namespace MERVO::Tessera::Func {
@@ -34,5 +37,26 @@ private:
     CellPlace place;
     std::array<bool, BUFFERED_BITS> buffer;
 };
+
+/// Calls visit(from, to, count), which returns a code, with runs of the cells of src and of the room for those of dst,
+/// until the shorter of the two ends. The first code other than 0 ends it, and is the result.
+template <typename Visit>
+ErrorCode ForEachRun(const Cursor& src, const Cursor& dst, Visit&& visit)
+{
+    CellRuns from(src);
+    CellRuns to(dst);
+    for (std::uint32_t left = std::min(src->Length(), dst->Length()); left != 0;) {
+        const std::uint32_t count = std::min({left, from.Longest(), to.Longest()});
+        const ErrorCode code = visit(from.Read(count), to.Room(), count);
+        if (code != ERROR_NONE) {
+            return code;
+        }
+        to.Written(count);
+        from.Skip(count);
+        to.Skip(count);
+        left -= count;
+    }
+    return ERROR_NONE;
+}
 
 } // namespace MERVO::Tessera::Func

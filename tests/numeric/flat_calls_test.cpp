@@ -66,6 +66,12 @@ const FlatCase FLAT_CASES[] = {
         Make<Func::RollingSum, uint32_t, bool, uint32_t>(3, true, 2)},
     {"RollingMean", [](auto dst, auto src) { return MERVO_TSR_RollingMean(dst, src, 2, false, 1); },
         Make<Func::RollingMean, uint32_t, bool, uint32_t>(2, false, 1)},
+    {"IsNan", &MERVO_TSR_IsNan, Make<Func::IsNan>()},
+    {"FillNan", [](auto dst, auto src) { return MERVO_TSR_FillNan(dst, src, "bfill", 6); },
+        Make<Func::FillNan, std::string_view>("bfill")},
+    {"ReplaceNan", [](auto dst, auto src) { return MERVO_TSR_ReplaceNan(dst, src, "7.55", 3); },
+        Make<Func::ReplaceNan, std::string_view>("7.5")},
+    {"Interpolate", &MERVO_TSR_Interpolate, Make<Func::Interpolate>()},
 };
 
 DataFrame Source()
