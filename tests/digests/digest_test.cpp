@@ -331,5 +331,16 @@ TEST_F(Digests, OfCsvText)
     Settle("csv", digest);
 }
 
+TEST_F(Digests, OfArrays)
+{
+    Digest digest;
+    ForEachFlatType([&digest]<typename T>(std::type_identity<T>) {
+        const NdData array = RandomTable<T>(1000, 3).Slice({3, 999}, {1, 3});
+        digest.AddBytes(array.data.get(), array.data == nullptr ? 0 : 996 * 2 * sizeof(T));
+        digest.Add(array.dtype);
+    });
+    Settle("arrays", digest);
+}
+
 } // namespace
 } // namespace MERVO::Tessera
