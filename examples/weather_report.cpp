@@ -1,5 +1,5 @@
-// Reads two real CSV files and reports on them: statistics of their columns, hot days, the warmest month, and what gaps
-// in measurements do. Writes a summary as CSV and reads it back.
+// Reads two real CSV files and reports on them: statistics of their columns, hot days, the warmest month, and gaps in
+// measurements, filled and interpolated. Writes a summary as CSV and reads it back.
 //
 //     weather_report [DATA_FOLDER [OUTPUT_FOLDER]]
 
@@ -66,6 +66,12 @@ SeriesPtr MakeColumn(const std::string& name, const std::vector<T>& values)
     return column;
 }
 
+/// The cells of a table of doubles, row by row, as one column.
+SeriesPtr MakeColumn(const std::string& name, const DataFrameRef& cells)
+{
+    return MakeColumn(name, cells.To1DVector<double>());
+}
+
 /// One row per column of a table of doubles: how many values, statistics without the missing ones, and the row of the
 /// largest. Only the range does not pass over missing values: it is NaN then.
 DataFrame::Columns Summarize(const DataFrameRef& numbers)
@@ -73,17 +79,14 @@ DataFrame::Columns Summarize(const DataFrameRef& numbers)
     constexpr bool SKIP_NAN = true;
     constexpr bool BIAS = false;
     DataFrame::Columns columns;
-    const auto add = [&columns](const char* name, const DataFrame& row) {
-        columns.push_back(MakeColumn(name, row.To1DVector<double>()));
-    };
     columns.push_back(MakeColumn("column", numbers.GetColumnName()));
-    columns.push_back(MakeColumn("count", CountTrue(numbers == numbers))); // NaN alone differs from itself
-    add("mean", Compute<Func::Mean>(numbers));
-    add("min", Compute<Func::Min>(numbers));
-    add("max", Compute<Func::Max>(numbers));
-    add("range", Compute<Func::Ptp>(numbers));
-    add("skewness", Compute<Func::Skew>(numbers, SKIP_NAN, BIAS));
-    add("kurtosis", Compute<Func::Kurt>(numbers, SKIP_NAN, BIAS));
+    columns.push_back(MakeColumn("count", CountTrue(!Compute<Func::IsNan>(numbers))));
+    columns.push_back(MakeColumn("mean", Compute<Func::Mean>(numbers)));
+    columns.push_back(MakeColumn("min", Compute<Func::Min>(numbers)));
+    columns.push_back(MakeColumn("max", Compute<Func::Max>(numbers)));
+    columns.push_back(MakeColumn("range", Compute<Func::Ptp>(numbers)));
+    columns.push_back(MakeColumn("skewness", Compute<Func::Skew>(numbers, SKIP_NAN, BIAS)));
+    columns.push_back(MakeColumn("kurtosis", Compute<Func::Kurt>(numbers, SKIP_NAN, BIAS)));
     columns.push_back(MakeColumn("max_row", Compute<Func::IdxMax>(numbers).To1DVector<std::uint32_t>()));
     return columns;
 }
@@ -93,11 +96,11 @@ DataFrame WithSwing(const DataFrameRef& numbers)
 {
     DataFrame::Columns columns;
     for (const std::string& name : numbers.GetColumnName()) {
-        columns.push_back(MakeColumn(name, numbers[name.c_str()].To1DVector<double>()));
+        columns.push_back(MakeColumn(name, numbers[name.c_str()]));
     }
     const DataFrame swing = numbers["temp_max"] - numbers["temp_min"];
     StopOnFailure(swing.GetError().code, "subtracting");
-    columns.push_back(MakeColumn("temp_swing", swing.To1DVector<double>()));
+    columns.push_back(MakeColumn("temp_swing", swing));
     return DataFrame(std::move(columns));
 }
 
@@ -158,19 +161,36 @@ void ReportSeattle(const std::string& dataFolder, const std::string& outputFolde
     std::cout << "The summary, written and read back\n" << again << '\n';
 }
 
+/// Two ways to close the gaps, and what they do to the means.
+void ReportGaps(const DataFrameRef& numbers, const DataFrameRef& interpolated)
+{
+    const DataFrame filled = Compute<Func::FillNan>(numbers, "ffill"); // the last value before the gap
+    DataFrame::Columns columns;
+    columns.push_back(MakeColumn("column", numbers.GetColumnName()));
+    columns.push_back(MakeColumn("gaps", CountTrue(Compute<Func::IsNan>(numbers))));
+    columns.push_back(MakeColumn("mean", Compute<Func::Mean>(numbers)));
+    columns.push_back(MakeColumn("mean_filled", Compute<Func::Mean>(filled)));
+    columns.push_back(MakeColumn("mean_interpolated", Compute<Func::Mean>(interpolated)));
+    std::cout << "Missing values\n" << DataFrame(std::move(columns)) << '\n';
+}
+
 void ReportAirQuality(const std::string& dataFolder)
 {
     const DataFrame air = ReadTable(dataFolder + "/airquality.csv",
         {TESSERA_DOUBLE, TESSERA_DOUBLE, TESSERA_DOUBLE, TESSERA_DOUBLE, TESSERA_INT32, TESSERA_INT32});
     std::cout << "Air quality in New York\n" << air << '\n';
 
-    // The temperature is in Fahrenheit. The window computes in place, in the cells of its table.
+    // The temperature is in Fahrenheit. A window computes in place, in the cells of its table.
     DataFrame numbers = air[DataFrame::NameRange{"Ozone", "Month"}];
     DataFrameRef temperature = numbers["Temp"];
     temperature -= Constant(32);
     temperature /= Constant(1.8);
     StopOnFailure(temperature.GetError().code, "converting degrees");
     std::cout << "Summary, in Celsius\n" << DataFrame(Summarize(numbers)) << '\n';
+
+    const DataFrame interpolated = Compute<Func::Interpolate>(numbers);
+    ReportGaps(numbers, interpolated);
+    std::cout << "Summary, gaps interpolated\n" << DataFrame(Summarize(interpolated)) << '\n';
 }
 
 } // namespace

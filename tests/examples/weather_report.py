@@ -109,11 +109,37 @@ def check_seattle(check, data):
     check.words("Their mean of temp_max", f"{max(means):.6g}")
 
 
+def filled(cells):
+    """Each gap takes the last value before it."""
+    result = []
+    for cell in cells:
+        result.append(result[-1] if math.isnan(cell) and result else cell)
+    return result
+
+
+def interpolated(cells):
+    """Each gap takes the straight line between its neighbours; at the end, the last value."""
+    there = [i for i, cell in enumerate(cells) if not math.isnan(cell)]
+    result = filled(cells)
+    for left, right in zip(there, there[1:]):
+        for i in range(left, right):
+            result[i] = cells[left] + (cells[right] - cells[left]) * (i - left) / (right - left)
+    return result
+
+
 def check_air_quality(check, data):
     air = columns_of(data / "airquality.csv")
     numbers = {name: numbers_of(air[name]) for name in ("Ozone", "Solar.R", "Wind", "Temp")}
     numbers["Temp"] = [(fahrenheit - 32) * 5 / 9 for fahrenheit in numbers["Temp"]]
+    check.table("Missing values", {name: {
+        "gaps": sum(map(math.isnan, cells)),
+        "mean": summary_of(cells)["mean"],
+        "mean_filled": summary_of(filled(cells))["mean"],
+        "mean_interpolated": summary_of(interpolated(cells))["mean"],
+    } for name, cells in numbers.items()})
     check.table("Summary, in Celsius", {name: summary_of(cells) for name, cells in numbers.items()})
+    check.table("Summary, gaps interpolated",
+                {name: summary_of(interpolated(cells)) for name, cells in numbers.items()})
 
 
 def main(data, output, *command):
