@@ -46,14 +46,18 @@ template <typename Visit>
 void CellBlocks::ForEachCell(std::uint32_t count, Visit&& visit)
 {
     std::byte* slot = buffer.data();
-    for (; count != 0; --count, slot += slotSize) {
-        if (isList) {
+    if (isList) {
+        for (; count != 0; --count, slot += slotSize) {
             visit(slot, valueOf(node));
             node = node->next;
-        } else {
-            visit(slot, static_cast<void*>(element));
-            element += elementSize;
         }
+    } else {
+        std::byte* cell = element; // a copy, which a write to a byte can't touch
+        for (; count != 0; --count, slot += slotSize) {
+            visit(slot, static_cast<void*>(cell));
+            cell += elementSize;
+        }
+        element = cell;
     }
 }
 
