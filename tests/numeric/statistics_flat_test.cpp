@@ -1,4 +1,4 @@
-// Statistics and rolling windows by flat call.
+// Statistics, rolling windows and transforms of single columns by flat call.
 
 #include <gmock/gmock.h>
 
@@ -54,6 +54,16 @@ const FlatCase FLAT_CASES[] = {
     {"RollingMean", "[MERVO_TSR_RollingMean] Input is nullptr",
         [](auto dst, auto src) { return MERVO_TSR_RollingMean(dst, src, 2, false, 1); }, {1.0, 1.5, 2.5, 4.5},
         {-1.0, -0.5, 0.5, 1.0}, 21, 1},
+    {"Round", "[MERVO_TSR_Round] Input is nullptr", [](auto dst, auto src) { return MERVO_TSR_Round(dst, src, 10); },
+        {1.0, 2.0, 3.0, 6.0}, {-1.0, 0.0, 1.0, 0.0}, 1, 1},
+    {"Diff", "[MERVO_TSR_Diff] Input is nullptr", [](auto dst, auto src) { return MERVO_TSR_Diff(dst, src, -1); },
+        {1.0, 1.0, 3.0, NO_VALUE}, {1.0, 1.0, NO_VALUE, NO_VALUE}, 1, 1},
+    {"ReplaceDouble", "[MERVO_TSR_Replace] Input is nullptr",
+        [](auto dst, auto src) { return MERVO_TSR_ReplaceDouble(dst, src, 1.0, 9.0); }, {9.0, 2.0, 3.0, 6.0},
+        {-1.0, 0.0, 9.0, NO_VALUE}, 0, 0},
+    {"ReplaceString", "[MERVO_TSR_ReplaceString] Input is nullptr",
+        [](auto dst, auto src) { return MERVO_TSR_ReplaceString(dst, src, "1e0", "9"); }, {9.0, 2.0, 3.0, 6.0},
+        {-1.0, 0.0, 9.0, NO_VALUE}, 0, 0},
 };
 
 DataFrame DoubleTable()
