@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <functional>
 
 #include "tessera/core/cursor_part.h"
 #include "tessera/core/data_frame.h"
@@ -11,6 +12,14 @@
 
 namespace MERVO::Tessera::Func {
 namespace {
+
+/// Why a block can't be copied: its end lies behind that of the room, or it shares bytes with it; 0 if it can.
+int Refusal(const std::byte* room, std::size_t roomBytes, const std::byte* block, std::size_t size)
+{
+    const std::less<> isBefore;
+    const bool overlap = isBefore(room, block + size) && isBefore(block, room + size);
+    return size > roomBytes ? ERANGE : overlap ? EINVAL : 0;
+}
 
 /// The room of a destination that is filled block after block.
 struct Room {
@@ -23,8 +32,9 @@ struct Room {
         if (size == 0) {
             return true;
         }
-        if (size > bytes) {
-            LogError("Memory copy failed when copying the %s part in InsertRow: %d.", ordinal, ERANGE);
+        const int failure = Refusal(next, bytes, static_cast<const std::byte*>(block), size);
+        if (failure != 0) {
+            LogError("Memory copy failed when copying the %s part in InsertRow: %d.", ordinal, failure);
             return false;
         }
         std::memcpy(next, block, size);
