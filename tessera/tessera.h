@@ -302,8 +302,8 @@ MERVO_TSR_API int32_t MERVO_TSR_RollingMean(
  * FillNan:     each NaN becomes the last present cell before it ("ffill") or the next one behind it ("bfill"); where
  *              there is none, it stays.
  * ReplaceNan:  each NaN becomes the value of a text, parsed as by strtod, in the C locale: what follows a number is
- *              ignored, and a text without one is 0. It must fit columns of other types too: integers as by strtoll and
- *              strtoull, DateTime as "2024-03-05 07:09:02".
+ *              ignored, and a text without one is 0. It must do for the other columns too: for integers by strtoll or
+ *              strtoull, for DateTime as a time.
  * Interpolate: each gap becomes a straight line between its neighbours; at the end it takes the last present cell, at
  *              the begin it stays. Integer columns become double.
  * @param dst        receives n rows by c columns, named as in src; but for IsNan, and integers under Interpolate, of
