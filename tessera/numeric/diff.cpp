@@ -18,7 +18,7 @@ void Subtract(const Cursor& lhs, const Cursor& rhs, const Cursor& dst)
     ForEachBlock(lhs, rhs, dst, {false, false}, KernelsOf(Arith::SUBTRACTION)[type]);
 }
 
-/// Writes the differences at a lag of less than all rows, and gives the rows that have none.
+/// Writes the differences at a lag of all rows or less, and gives the rows that have none.
 Cursor WriteDifferences(const Cursor& src, const Cursor& dst, std::uint32_t lag, bool isForward)
 {
     const std::uint32_t count = src->Length() - lag;
@@ -73,13 +73,9 @@ ErrorCode DiffBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
             return ERROR_GENERAL;
         }
         const bool isForward = periods < 0;
-        const std::uint32_t lag =
-            isForward ? 0U - static_cast<std::uint32_t>(periods) : static_cast<std::uint32_t>(periods);
-        if (lag >= src->Length()) {
-            Fill<T>(dst);
-        } else {
-            Fill<T>(WriteDifferences(src, dst, lag, isForward));
-        }
+        const auto lag = static_cast<std::uint32_t>(periods);
+        const std::uint32_t rows = std::min(isForward ? 0U - lag : lag, src->Length());
+        Fill<T>(WriteDifferences(src, dst, rows, isForward));
         return ERROR_NONE;
     }
 }

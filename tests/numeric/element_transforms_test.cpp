@@ -6,6 +6,7 @@
 #include <cmath>
 #include <optional>
 
+#include "tessera/core/key_hash.h"
 #include "tessera/core/numeric_cast.h"
 #include "tessera/tessera.hpp"
 #include "tests/functors/pairing.h"
@@ -138,7 +139,8 @@ T CellToRound(Random& random, std::uint32_t decimals)
     case 0:
         return ConvertNumber<T>(static_cast<double>(static_cast<std::int16_t>(random.Next())) / 2.0);
     case 1:
-        return ConvertNumber<T>(sign * limit * (1.0 + (random.Below(9) - 4.0) * 0x1p-53));
+        return ConvertNumber<T>(
+            sign * std::bit_cast<double>(std::bit_cast<std::uint64_t>(limit) + random.Below(7) - 3));
     case 2:
         return ConvertNumber<T>(sign * static_cast<double>(random.Next() >> random.Below(64)) / limit);
     default:
@@ -215,6 +217,35 @@ TYPED_TEST(ElementTransforms, FindAsTheModelDoes)
             }
         }
     }
+}
+
+/// Two of many keys that have one hash.
+template <typename Make>
+auto KeysThatMeet(Make make)
+{
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> hashes(1U << 18);
+    for (std::uint32_t i = 0; i < hashes.size(); ++i) {
+        hashes[i] = {HashOf(make(i)), i};
+    }
+    std::sort(hashes.begin(), hashes.end());
+    const auto pair = std::adjacent_find(
+        hashes.begin(), hashes.end(), [](const auto& left, const auto& right) { return left.first == right.first; });
+    EXPECT_NE(pair, hashes.end()) << "so many hashes of 32 bits are hardly all different";
+    return std::array{make(pair[0].second), make(pair[1].second)};
+}
+
+TEST(ElementTransforms, TellKeysApartWhoseHashesMeet)
+{
+    const auto expectNotIn = [](const SeriesPtr& left, const SeriesPtr& right) {
+        const SeriesPtr dst = Column<bool>("dst", {true});
+        const Func::IsIn<CONTAINER_ARRAY> isIn;
+        EXPECT_EQ(isIn.ProcessSeries(left->GetIterator(), right->GetIterator(), dst->GetIterator()).code, 0);
+        EXPECT_THAT(CellsOf<bool>(dst->GetIterator()), ElementsAre(false));
+    };
+    const auto numbers = KeysThatMeet([](std::uint32_t i) { return std::uint64_t{i} * 0x9E3779B97F4A7C15U; });
+    expectNotIn(Column<std::uint64_t>("a", {numbers[0]}), Column<std::uint64_t>("b", {numbers[1]}));
+    const auto texts = KeysThatMeet([](std::uint32_t i) { return std::to_string(i); });
+    expectNotIn(Column<std::string>("a", {texts[0]}), Column<std::string>("b", {texts[1]}));
 }
 
 TYPED_TEST(ElementTransforms, InsertRowsAsAVectorDoes)
