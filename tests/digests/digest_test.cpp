@@ -340,14 +340,6 @@ TEST_F(Digests, OfMissingValues)
             Make<ReplaceNan, const char*>("0.1"), Make<Interpolate>()});
 }
 
-TEST_F(Digests, OfElementTransforms)
-{
-    using namespace Func;
-    SettleFunctors("transform",
-        {Make<Round, Count>(0), Make<Round, Count>(3), Make<Diff, std::int32_t>(1), Make<Diff, std::int32_t>(-2),
-            Make<Replace, double, double>(0.0, 7.5)});
-}
-
 TEST_F(Digests, OfOperators)
 {
     using Operation = DataFrame (*)(const DataFrameRef&, const DataFrameRef&);
@@ -365,16 +357,6 @@ TEST_F(Digests, OfOperators)
         [](auto& left, auto& right) { return left != right; },
         [](auto& left, auto& right) { return (left > right) && (left < right + right); },
         [](auto& left, auto& right) { return !(left > right) || (right > left); },
-        [](auto& left, auto& right) {
-            DataFrame result;
-            (void)result.ApplyInplace(Func::FunctorFactory<Func::IsIn, Func::BinaryBase>{}, left, right);
-            return result;
-        },
-        [](auto& left, auto& right) {
-            DataFrame result;
-            (void)result.ApplyInplace(Func::FunctorFactory<Func::InsertRow, Func::BinaryBase, Count>{1}, left, right);
-            return result;
-        },
     };
     ForEachFlatType([&]<typename T>(std::type_identity<T>) {
         const DataFrame table = RandomTable<T>(999, 4);
