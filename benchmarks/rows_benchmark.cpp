@@ -90,8 +90,17 @@ void TakePerm(benchmark::State& state)
         state, [&] { return table.SelectRow(positions); }, &CheckOfG1);
 }
 
+void DropNanRowsAny(benchmark::State& state)
+{
+    const DataFrame table = ReadColumns<double>(state, "numnan.bin", 10);
+    Run(
+        state, [&] { return table.DropNanRow(true); },
+        [](const DataFrame& rows) { return CheckOf<double>(rows, true); });
+}
+
 BENCHMARK(FilterHalf)->Name("filter_half")->Unit(benchmark::kMillisecond);
 BENCHMARK(TakePerm)->Name("take_perm")->Unit(benchmark::kMillisecond);
+BENCHMARK(DropNanRowsAny)->Name("dropna_rows_any")->Unit(benchmark::kMillisecond);
 
 } // namespace
 } // namespace MERVO::Tessera::Bench

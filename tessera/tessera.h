@@ -283,6 +283,17 @@ MERVO_TSR_API int32_t MERVO_TSR_InsertColInplace(
 MERVO_TSR_API int32_t MERVO_TSR_SetColumnName(MERVO_TSR_CONTEXT* table, const char* const* names, uint32_t count);
 
 /**
+ * Leave out rows or columns of a table that have missing values, which are NaN in float and double columns.
+ * @param dst a table; receives what stays, or in case of a failure a table without columns.
+ * @param src a table; only read, and may be the handle dst.
+ * @param any true leaves out what has at least one NaN, false what has nothing else.
+ * @return dst's code: 0, or 33: a handle fails its check; src's own code; 1: a column of nested tables; 7: src has no
+ *         columns (MERVO_TSR_DropNanCol); 3: no memory.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_DropNanRow(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, bool any);
+MERVO_TSR_API int32_t MERVO_TSR_DropNanCol(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, bool any);
+
+/**
  * The reductions turn each column of src into one cell of dst, named as in src.
  *
  * Sum:    added from the first row to the last; float in float, bool counted as int64, DateTime in 32 bits, all others

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -212,6 +213,49 @@ public:
     ErrorCode InsertColInplace(const DataFrame& other, const unsigned int& position);
     /// Puts copies of another table's columns behind the last one; returns as InsertColInplace.
     ErrorCode AppendColInplace(const DataFrame& other);
+
+    /**
+     * Make a new table of the rows that are not short of values. Missing is a NaN in a float or double column.
+     * @param any    true leaves out rows with a NaN in at least one of the columns looked at, false those with NaN in
+     *               all of them.
+     * @param thresh leaves out rows with fewer present cells in the columns looked at. Below 1 it gives a copy; above
+     *               their number, a table without columns.
+     * @param subset the columns looked at, counted in the window; all where it is empty. For `any` each counts once;
+     *               for `thresh` a column given twice has its present cells counted twice.
+     * @return the table, or one with the code: this table's own; 4: there is no such column; 5: no such name; 1: a
+     *         column of nested tables; 21: a column in a list; 7: no rows (thresh only); 3: no memory.
+     */
+    DataFrame DropNanRow(bool any, const std::vector<std::uint32_t>& subset = {}) const;
+    DataFrame DropNanRow(bool any, const std::vector<std::string>& subset) const;
+    DataFrame DropNanRow(int thresh, const std::vector<std::uint32_t>& subset = {}) const;
+    DataFrame DropNanRow(int thresh, const std::vector<std::string>& subset) const;
+    /**
+     * Make a new table of the columns that are not short of values.
+     * @param any    true leaves out columns with at least one NaN, false those of nothing but NaN; a column without
+     *               rows is one of these.
+     * @param thresh leaves out columns with fewer present cells. Below 1 it gives a copy; above the number of rows, a
+     *               table without columns.
+     * @return the table, or one with the code: this table's own; 7: no columns (any only); 1: a column of nested
+     *         tables; 21: a column in a list; 3: no memory.
+     */
+    DataFrame DropNanCol(bool any) const;
+    DataFrame DropNanCol(int thresh) const;
+
+    /// Put the table that the form without Inplace gives in this one's place, also where it failed. Return its code; 5
+    /// or 3, and nothing is changed, where a name can't be found.
+    ErrorCode DropNanRowInplace(bool any, const std::vector<std::uint32_t>& subset = {});
+    ErrorCode DropNanRowInplace(bool any, const std::vector<std::string>& subset);
+    ErrorCode DropNanRowInplace(int thresh, const std::vector<std::uint32_t>& subset = {});
+    ErrorCode DropNanRowInplace(int thresh, const std::vector<std::string>& subset);
+    ErrorCode DropNanColInplace(bool any);
+    ErrorCode DropNanColInplace(int thresh);
+
+    /// The check of the row forms by `any`: fills an empty `columns` with all positions. False, and the code where
+    /// there is one, for a table that failed before or has no columns, and for a position that no column has.
+    bool DropNanRowPreCheck(
+        const std::vector<std::uint32_t>& subset, std::set<std::uint32_t>& columns, ErrorCode& code) const;
+    /// The same for the row forms by `thresh`; it fills an empty `subset`.
+    bool DropNanRowThreshCheck(std::vector<std::uint32_t>& subset, ErrorCode& code) const;
 
 private:
     friend class ColumnLoader;
