@@ -366,6 +366,30 @@ TEST_F(Digests, OfElementTransforms)
     });
 }
 
+TEST_F(Digests, OfRows)
+{
+    Random random(13);
+    std::vector<std::uint32_t> positions(700);
+    std::vector<bool> bits(999);
+    for (std::uint32_t& position : positions) {
+        position = random.Below(999);
+    }
+    for (std::size_t i = 0; i < bits.size(); ++i) {
+        bits[i] = random.Below(3) == 0;
+    }
+    DataFrame filter;
+    ASSERT_EQ(filter.ReadVector(bits, {999, 1}), 0);
+    Digest digest;
+    ForEachFlatType([&]<typename T>(std::type_identity<T>) {
+        const DataFrame table = RandomTable<T>(999, 3);
+        for (const DataFrame& result : {table.SelectRow(positions), table.DropRow(positions), table.SelectRow(filter),
+                 table.DropRow(filter), table.DropNanRow(true), table.DropNanRow(2), table.DropNanCol(950)}) {
+            AddTable(digest, result);
+        }
+    });
+    Settle("rows", digest);
+}
+
 TEST_F(Digests, OfDateRanges)
 {
     Random random(7);
