@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <cstdint>
 #include <limits>
-#include <memory>
 #include <new>
 #include <string>
 #include <string_view>
@@ -17,6 +16,7 @@
 #include "tessera/core/error.h"
 #include "tessera/core/numeric_cast.h"
 #include "tessera/core/short_number.h"
+#include "tessera/functors/assign_text.h"
 #include "tessera/platform/logger.h"
 
 /// How single cells become text and text becomes cells; a cast of a column and a file of fields agree by using these.
@@ -70,40 +70,6 @@ char* WriteCell(char* first, T value) noexcept
         using Word = std::conditional_t<std::is_signed_v<T>, std::int32_t, std::uint32_t>;
         return WriteInteger(first, static_cast<Word>(value));
     }
-}
-
-/// From the begin of a text that AssignText gets, so many characters can be read, however long it is.
-inline constexpr std::size_t READ_AHEAD = 15;
-
-/// Kept out of line, as it would be inlined whole where it is seldom needed.
-[[gnu::noinline]] inline void AssignLongText(std::string& cell, const char* text, std::size_t length)
-{
-    cell.assign(text, length);
-}
-
-/// Assigns a text. Making one of constant length and cutting it are a few instructions inline, which takes half the
-/// time of a call of assign.
-inline void AssignText(std::string& cell, const char* text, std::size_t length)
-{
-    struct EmptyUnlessMade { // a cell whose successor could not be made must not stay destroyed
-        ~EmptyUnlessMade()
-        {
-            if (!isMade) {
-                std::construct_at(&cell);
-            }
-        }
-        std::string& cell;
-        bool isMade = false;
-    };
-    if (length > READ_AHEAD) {
-        AssignLongText(cell, text, length);
-        return;
-    }
-    std::destroy_at(&cell);
-    EmptyUnlessMade guard{cell};
-    std::construct_at(&cell, text, READ_AHEAD);
-    guard.isMade = true;
-    cell.erase(length);
 }
 
 /**

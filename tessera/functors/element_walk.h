@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "tessera/core/cursor.h"
@@ -57,6 +58,16 @@ public:
             ++link;
         } else {
             ++element;
+        }
+        return *this;
+    }
+    /// Moves by count elements, forward or backward; on a list step by step.
+    AnyPlace& operator+=(std::int64_t count)
+    {
+        if (isList) {
+            link += count;
+        } else {
+            element += static_cast<std::ptrdiff_t>(count);
         }
         return *this;
     }

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "tessera/core/short_number.h"
+#include "tessera/functors/assign_text.h"
 #include "tessera/functors/cell_conversion.h"
 
 namespace MERVO::Tessera {
