@@ -286,6 +286,34 @@ MERVO_TSR_API int32_t MERVO_TSR_RollingSum(
 MERVO_TSR_API int32_t MERVO_TSR_RollingMean(
     MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, uint32_t window, bool center, uint32_t minPeriods);
 
+/**
+ * Finds or repairs what is missing in each column of src: NaN in float and double columns, and nothing else.
+ *
+ * IsNan:       a bool per cell, true for NaN.
+ * FillNan:     each NaN becomes the last present cell before it ("ffill") or the next one behind it ("bfill"); where
+ *              there is none, it stays.
+ * ReplaceNan:  each NaN becomes the value of a text, parsed as by strtod, in the C locale: what follows a number is
+ *              ignored, and a text without one is 0. It must fit columns of other types too: integers as by strtoll and
+ *              strtoull, DateTime as "2024-03-05 07:09:02".
+ * Interpolate: each gap becomes a straight line between its neighbours; at the end it takes the last present cell, at
+ *              the begin it stays. Integer columns become double.
+ * @param dst        receives n rows by c columns, named as in src; but for IsNan, and integers under Interpolate, of
+ * the same types. A window receives only if its columns have the types of the result.
+ * @param src        n rows by c columns; only read, and may be the handle dst.
+ * @param fillType   "ffill" or "bfill"; five characters are read.
+ * @param replaceNum `length` characters; no terminator is needed.
+ * @param length     of the text in characters: for FillNan 6, as the terminator counts there.
+ * @return dst's code: 0, or 33: a handle fails its check; 5: a null text, or one of another length; 21: another fill
+ *         type, no rows (FillNan, Interpolate), bools, strings, stamps or tables (Interpolate); 1: tables (IsNan,
+ *         FillNan), bools (FillNan), a text beyond the range of its number; 2: blanks for a DateTime; 3: no memory.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_IsNan(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+MERVO_TSR_API int32_t MERVO_TSR_FillNan(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, const char* fillType, uint32_t length);
+MERVO_TSR_API int32_t MERVO_TSR_ReplaceNan(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, const char* replaceNum, uint32_t length);
+MERVO_TSR_API int32_t MERVO_TSR_Interpolate(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+
 #ifdef __cplusplus
 } /* extern "C" */
 #endif

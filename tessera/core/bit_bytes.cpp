@@ -1,9 +1,22 @@
 #include "tessera/core/bit_bytes.h"
 
+#include <bit>
+#include <cstring>
+
 namespace MERVO::Tessera {
 namespace {
 
 constexpr std::uint32_t BYTE_BITS = 8;
+static_assert(std::endian::native == std::endian::little, "the first bool is the lowest byte of a word");
+
+/// Eight bools as the bits of a byte. The multiplication shifts the bool of byte i to bit 56 + i, and none onto
+/// another.
+std::uint8_t PackByte(const bool* bools)
+{
+    std::uint64_t word = 0;
+    std::memcpy(&word, bools, BYTE_BITS);
+    return static_cast<std::uint8_t>((word * 0x0102040810204080U) >> 56);
+}
 
 } // namespace
 
@@ -28,11 +41,7 @@ void PackBits(const bool* from, BitPosition to, std::uint32_t count)
         *to = *from;
     }
     for (; count >= BYTE_BITS; count -= BYTE_BITS, from += BYTE_BITS, ++to.byte) {
-        std::uint32_t byte = 0;
-        for (std::uint32_t bit = 0; bit < BYTE_BITS; ++bit) {
-            byte |= static_cast<std::uint32_t>(from[bit]) << bit;
-        }
-        *to.byte = static_cast<std::uint8_t>(byte);
+        *to.byte = PackByte(from);
     }
     for (; count != 0; --count, ++from, ++to) {
         *to = *from;

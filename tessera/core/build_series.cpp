@@ -26,11 +26,11 @@ constexpr auto SERIES_CREATORS = ForEachValueType([](auto number) {
 
 SeriesPtr BuildSeries(const SeriesAttr& attr, std::string name)
 {
-    if (attr.typeId < TESSERA_TYPE_BEGIN || attr.typeId >= TESSERA_TYPE_END) {
+    if (!IsValueType(attr.typeId)) {
         LogError("TypeID should be in range of [TESSERA_TYPE_BEGIN, TESSERA_TYPE_END) ");
         return GetErrorSeries();
     }
-    if (attr.containerId < CONTAINER_BEGIN || attr.containerId >= CONTAINER_END) {
+    if (!IsContainer(attr.containerId)) {
         LogError("Container Type should be in range of [CONTAINER_BEGIN, CONTAINER_END) ");
         return GetErrorSeries();
     }

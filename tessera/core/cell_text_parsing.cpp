@@ -14,19 +14,13 @@
 #include <string>
 
 #include "tessera/core/cell_text.h"
+#include "tessera/core/characters.h"
+#include "tessera/core/digit_chunk.h"
 #include "tessera/core/double_bits.h"
 #include "tessera/core/powers_of_ten.h"
 
 namespace MERVO::Tessera {
 namespace {
-
-bool IsDigit(char c) { return static_cast<unsigned char>(c - '0') < 10; }
-
-std::uint32_t DigitOf(char c) { return static_cast<unsigned char>(c - '0'); }
-
-bool IsBlank(char c) { return c == ' ' || static_cast<unsigned char>(c - '\t') < 5; }
-
-char LowerCase(char c) { return static_cast<char>(c | 0x20); }
 
 /// What stands before a number.
 struct Sign {
@@ -47,59 +41,27 @@ inline Sign ReadSign(const char* at, const char* end)
     return {at + length, isNegative};
 }
 
-constexpr int CHUNK = 8;
-
-std::uint64_t LoadLittleEndian(const char* from, std::size_t count)
-{
-    std::uint64_t bytes = 0;
-    std::memcpy(&bytes, from, count);
-    return std::endian::native == std::endian::little ? bytes : __builtin_bswap64(bytes);
-}
-
-/// The next characters, the first in the lowest byte, and zeros beyond the end.
-inline std::uint64_t LoadChunk(const char* at, const char* end)
-{
-    constexpr int HALF = CHUNK / 2;
-    const std::ptrdiff_t size = end - at;
-    if (size >= CHUNK) {
-        return LoadLittleEndian(at, CHUNK);
-    }
-    if (size >= HALF) { // two loads that overlap
-        return LoadLittleEndian(at, HALF) | LoadLittleEndian(end - HALF, HALF) << (CHUNK * (size - HALF));
-    }
-    const auto place = [at](std::ptrdiff_t i) { return LoadLittleEndian(at + i, 1) << (CHUNK * i); };
-    return size <= 0 ? 0 : place(0) | place(size / 2) | place(size - 1);
-}
-
 /// Appends a run of digits to `value`, modulo 2^64. At one cost for all lengths up to 8, which come at random among
 /// integers.
 /// @return one past the last digit.
 inline const char* ReadDigitsByChunk(const char* at, const char* end, std::uint64_t& value)
 {
-    constexpr std::array<std::uint32_t, CHUNK + 1> POWERS = {
+    constexpr std::array<std::uint32_t, DIGIT_CHUNK + 1> POWERS = {
         1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
-    constexpr std::uint64_t ZEROS = 0x3030303030303030;
-    constexpr std::uint64_t PUSHES_OTHERS_BEYOND_127 = 0x7676767676767676;
-    constexpr std::uint64_t HIGHEST_BITS = 0x8080808080808080;
-    constexpr std::uint64_t EVERY_FOURTH = 0x000000FF000000FF;
-    for (;;) {
-        const std::uint64_t digits = LoadChunk(at, end) ^ ZEROS;
-        const std::uint64_t others = ((digits + PUSHES_OTHERS_BEYOND_127) | digits) & HIGHEST_BITS;
-        const int count = std::countr_zero(others) / CHUNK;
+    while (at != end) {
+        const std::size_t size = std::min(static_cast<std::size_t>(end - at), DIGIT_CHUNK);
+        const std::uint64_t digits = DigitsOf(LoadChunk(at, size));
+        const auto count = static_cast<std::size_t>(std::countr_zero(NoDigitsAmong(digits))) / 8;
         if (count == 0) {
             return at;
         }
-        // Neighbours are joined: 8 digits to 4 pairs, these to the number.
-        const std::uint64_t aligned = digits << (CHUNK * (CHUNK - count));
-        const std::uint64_t pairs = aligned * 10 + (aligned >> 8);
-        const std::uint64_t even = (pairs & EVERY_FOURTH) * ((std::uint64_t{1000000} << 32) | 100);
-        const std::uint64_t odd = ((pairs >> 16) & EVERY_FOURTH) * ((std::uint64_t{10000} << 32) | 1);
-        value = value * POWERS[static_cast<std::size_t>(count)] + ((even + odd) >> 32);
+        value = value * POWERS[count] + JoinDigits(digits << (8 * (DIGIT_CHUNK - count)));
         at += count;
-        if (count < CHUNK) {
+        if (count < DIGIT_CHUNK) {
             return at;
         }
     }
+    return at;
 }
 
 constexpr std::ptrdiff_t DIGITS_THAT_FIT = 19;

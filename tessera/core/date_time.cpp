@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <ostream>
 
+#include "tessera/core/characters.h"
 #include "tessera/core/local_time.h"
 #include "tessera/platform/logger.h"
 
@@ -12,10 +13,6 @@ namespace MERVO::Tessera {
 namespace {
 
 constexpr int FIRST_YEAR = 1900; // in which the calendar record counts its years from 0
-
-bool IsDigit(char c) { return static_cast<unsigned char>(c - '0') < 10; }
-
-bool IsBlank(char c) { return c == ' ' || static_cast<unsigned char>(c - '\t') < 5; }
 
 const char* SkipBlanks(const char* at, const char* end)
 {
@@ -49,7 +46,7 @@ bool ScanFields(const char* at, const char* end, ::tm& fields)
         int value = 0;
         const char* const firstDigit = at;
         for (; at != last && IsDigit(*at); ++at) {
-            value = value * 10 + (*at - '0');
+            value = value * 10 + static_cast<int>(DigitOf(*at));
         }
         if (at == firstDigit) {
             return true;

@@ -1,8 +1,33 @@
 #include "tessera/core/dynamic_array.h"
 
 #include <cstdlib>
+#include <utility>
 
 namespace MERVO::Tessera {
+namespace {
+
+constexpr const char* NO_BLOCK = "Fail to Memory Allocation.";
+
+/// A count, or none where it is beyond what an array can have.
+std::uint32_t CountIn32Bits(std::size_t count)
+{
+    if (std::in_range<std::uint32_t>(count)) {
+        return static_cast<std::uint32_t>(count);
+    }
+    LogError("%s", NO_BLOCK);
+    return 0;
+}
+
+template <typename Values>
+void CopyBools(Values from, std::uint32_t count, std::uint8_t* data)
+{
+    BitPosition to(data, 0);
+    for (; count != 0; --count, ++from, ++to) {
+        *to = static_cast<bool>(*from);
+    }
+}
+
+} // namespace
 
 DynamicArray<bool>::DynamicArray(std::uint32_t count) : size(count)
 {
@@ -13,36 +38,20 @@ DynamicArray<bool>::DynamicArray(std::uint32_t count) : size(count)
     capacity = static_cast<std::uint32_t>(static_cast<std::int64_t>(roomyBits) / 8);
     data = static_cast<std::uint8_t*>(std::calloc(capacity, 1));
     if (data == nullptr) {
-        LogError("Fail to Memory Allocation.");
+        LogError("%s", NO_BLOCK);
         size = 0;
         capacity = 0;
     }
 }
 
-DynamicArray<bool>::DynamicArray(std::initializer_list<bool> values)
-    : DynamicArray(static_cast<std::uint32_t>(values.size()))
+DynamicArray<bool>::DynamicArray(std::initializer_list<bool> values) : DynamicArray(CountIn32Bits(values.size()))
 {
-    if (data == nullptr) {
-        return;
-    }
-    BitPosition position = begin();
-    for (const bool value : values) {
-        *position = value;
-        ++position;
-    }
+    CopyBools(values.begin(), size, data);
 }
 
-DynamicArray<bool>::DynamicArray(const std::vector<bool>& values)
-    : DynamicArray(static_cast<std::uint32_t>(values.size()))
+DynamicArray<bool>::DynamicArray(const std::vector<bool>& values) : DynamicArray(CountIn32Bits(values.size()))
 {
-    if (data == nullptr) {
-        return;
-    }
-    BitPosition position = begin();
-    for (const bool value : values) {
-        *position = value;
-        ++position;
-    }
+    CopyBools(values.begin(), size, data);
 }
 
 DynamicArray<bool>::~DynamicArray() { std::free(data); }

@@ -27,22 +27,22 @@ DataFrameRef* TableBehind(const Tag_MERVO_TSR_CONTEXT* handle)
 
 } // namespace MERVO::Tessera
 
-using MERVO::Tessera::DataFrame;
+using namespace MERVO::Tessera;
 
 MERVO_TSR_CONTEXT* MERVO_TSR_CreateDF(void)
 {
     std::unique_ptr<MERVO_TSR_CONTEXT> handle(new (std::nothrow) MERVO_TSR_CONTEXT{nullptr, nullptr});
     if (handle == nullptr) {
-        MERVO::Tessera::LogError("[MERVO_TSR_CreateDF] Create MERVO_TSR_CONTEXT failed");
+        LogError("[MERVO_TSR_CreateDF] Create MERVO_TSR_CONTEXT failed");
         return nullptr;
     }
     // Constructing the table allocates too, and may throw.
-    const int32_t code = MERVO::Tessera::Guarded(__func__, [&handle] {
+    const int32_t code = Guarded(__func__, [&handle] {
         handle->dataFrame = new (std::nothrow) DataFrame;
-        return handle->dataFrame == nullptr ? MERVO::Tessera::ERROR_OUT_OF_MEMORY : MERVO::Tessera::ERROR_NONE;
+        return handle->dataFrame == nullptr ? ERROR_OUT_OF_MEMORY : ERROR_NONE;
     });
-    if (code != MERVO::Tessera::ERROR_NONE) {
-        MERVO::Tessera::LogError("[MERVO_TSR_CreateDF] Create MERVO_TSR_CONTEXT dataframe failed");
+    if (code != ERROR_NONE) {
+        LogError("[MERVO_TSR_CreateDF] Create MERVO_TSR_CONTEXT dataframe failed");
         return nullptr;
     }
     return handle.release();
@@ -51,12 +51,12 @@ MERVO_TSR_CONTEXT* MERVO_TSR_CreateDF(void)
 int32_t MERVO_TSR_Release(MERVO_TSR_CONTEXT** handle)
 {
     if (handle == nullptr || *handle == nullptr) {
-        MERVO::Tessera::LogError("[MERVO_TSR_RELEASE] Input is nullptr");
-        return MERVO::Tessera::ERROR_NULL_HANDLE;
+        LogError("[MERVO_TSR_RELEASE] Input is nullptr");
+        return ERROR_NULL_HANDLE;
     }
     delete (*handle)->dataFrame;
     delete (*handle)->dataFrameRef;
     delete *handle;
     *handle = nullptr;
-    return MERVO::Tessera::ERROR_NONE;
+    return ERROR_NONE;
 }

@@ -68,14 +68,13 @@ bool AreTextsThere(const char* const* data, const MERVO_TSR_SHAPE* shape)
 } // namespace
 } // namespace MERVO::Tessera
 
-using MERVO::Tessera::ReadNumbers;
+using namespace MERVO::Tessera;
 
 int32_t ReadDataBool(MERVO_TSR_CONTEXT* handle, const bool* data, const MERVO_TSR_SHAPE* shape)
 {
     // Any non-zero byte is true, and only as a byte may it be looked at.
     const auto* bytes = reinterpret_cast<const unsigned char*>(data);
-    return MERVO::Tessera::Guarded(
-        "ReadData", [&] { return MERVO::Tessera::LoadBuffer<bool>("ReadData", handle, bytes, shape); });
+    return Guarded("ReadData", [&] { return LoadBuffer<bool>("ReadData", handle, bytes, shape); });
 }
 
 int32_t ReadDataInt8(MERVO_TSR_CONTEXT* handle, const int8_t* data, const MERVO_TSR_SHAPE* shape)
@@ -131,8 +130,8 @@ int32_t ReadDataDouble(MERVO_TSR_CONTEXT* handle, const double* data, const MERV
 int32_t ReadDataString(MERVO_TSR_CONTEXT* handle, const char* const* data, const MERVO_TSR_SHAPE* shape)
 {
     constexpr const char* CALL = "ReadDataString";
-    return MERVO::Tessera::Guarded(CALL, [&] {
-        const char* const* texts = MERVO::Tessera::AreTextsThere(data, shape) ? data : nullptr;
-        return MERVO::Tessera::LoadBuffer<std::string>(CALL, handle, texts, shape);
+    return Guarded(CALL, [&] {
+        const char* const* texts = AreTextsThere(data, shape) ? data : nullptr;
+        return LoadBuffer<std::string>(CALL, handle, texts, shape);
     });
 }

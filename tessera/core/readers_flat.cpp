@@ -18,17 +18,18 @@ bool AreBuffersThere(const MERVO_TSR_RESULT& result, std::size_t rows)
 template <typename T>
 ErrorCode ReadRows(const DataFrameRef& table, MERVO_TSR_RESULT& result)
 {
-    const TableReader reader(table);
+    TableReader reader(table);
     if (reader.CanRead(TYPE_ID_OF<T>, "2d", "Type mismatch on exporting 2d vector")) {
-        if (!AreBuffersThere(result, table.RowCount())) {
-            return RefuseHandle("MERVO_TSR_GetResult");
-        }
-        const ErrorCode code = reader.Read<T>([&result](auto&& cell, std::size_t row, std::size_t column) {
-            static_cast<T*>(result.rows[row])[column] = cell;
-        });
+        const ErrorCode code = reader.Open();
         if (code != ERROR_NONE) {
             return code;
         }
+        if (!AreBuffersThere(result, table.RowCount())) {
+            return RefuseHandle("MERVO_TSR_GetResult");
+        }
+        reader.Read<T>([&result](auto&& cell, std::size_t row, std::size_t column) {
+            static_cast<T*>(result.rows[row])[column] = cell;
+        });
     }
     result.rowCount = table.RowCount();
     result.colCount = table.ColumnCount();
@@ -48,72 +49,74 @@ int32_t GetResult(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result) noexcept
 } // namespace
 } // namespace MERVO::Tessera
 
+using namespace MERVO::Tessera;
+
 int32_t MERVO_TSR_GetResultBool(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result)
 {
-    return MERVO::Tessera::GetResult<bool>(handle, result);
+    return GetResult<bool>(handle, result);
 }
 
 int32_t MERVO_TSR_GetResultInt8(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result)
 {
-    return MERVO::Tessera::GetResult<int8_t>(handle, result);
+    return GetResult<int8_t>(handle, result);
 }
 
 int32_t MERVO_TSR_GetResultUint8(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result)
 {
-    return MERVO::Tessera::GetResult<uint8_t>(handle, result);
+    return GetResult<uint8_t>(handle, result);
 }
 
 int32_t MERVO_TSR_GetResultInt16(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result)
 {
-    return MERVO::Tessera::GetResult<int16_t>(handle, result);
+    return GetResult<int16_t>(handle, result);
 }
 
 int32_t MERVO_TSR_GetResultUint16(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result)
 {
-    return MERVO::Tessera::GetResult<uint16_t>(handle, result);
+    return GetResult<uint16_t>(handle, result);
 }
 
 int32_t MERVO_TSR_GetResultInt32(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result)
 {
-    return MERVO::Tessera::GetResult<int32_t>(handle, result);
+    return GetResult<int32_t>(handle, result);
 }
 
 int32_t MERVO_TSR_GetResultUint32(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result)
 {
-    return MERVO::Tessera::GetResult<uint32_t>(handle, result);
+    return GetResult<uint32_t>(handle, result);
 }
 
 int32_t MERVO_TSR_GetResultInt64(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result)
 {
-    return MERVO::Tessera::GetResult<int64_t>(handle, result);
+    return GetResult<int64_t>(handle, result);
 }
 
 int32_t MERVO_TSR_GetResultUint64(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result)
 {
-    return MERVO::Tessera::GetResult<uint64_t>(handle, result);
+    return GetResult<uint64_t>(handle, result);
 }
 
 int32_t MERVO_TSR_GetResultFloat(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result)
 {
-    return MERVO::Tessera::GetResult<float>(handle, result);
+    return GetResult<float>(handle, result);
 }
 
 int32_t MERVO_TSR_GetResultDouble(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result)
 {
-    return MERVO::Tessera::GetResult<double>(handle, result);
+    return GetResult<double>(handle, result);
 }
 
 int32_t MERVO_TSR_GetResultString(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result)
 {
-    return MERVO::Tessera::GetResult<std::string>(handle, result);
+    return GetResult<std::string>(handle, result);
 }
 
 int32_t MERVO_TSR_GetResultDateTime(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result)
 {
-    return MERVO::Tessera::GetResult<MERVO::Tessera::DateTime>(handle, result);
+    return GetResult<DateTime>(handle, result);
 }
 
 int32_t MERVO_TSR_GetResultDataFrame(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result)
 {
-    return MERVO::Tessera::GetResult<MERVO::Tessera::DataFrame>(handle, result);
+    return GetResult<DataFrame>(handle, result);
 }

@@ -25,12 +25,6 @@ constexpr auto SERIES_COPIERS = ForEachValueType([](auto number) {
         &SeriesCopyFunc<T, CONTAINER_LIST, CONTAINER_LIST>};
 });
 
-bool IsTypeAndContainer(MERVO_TESSERA_TYPEID type, ContainerID container)
-{
-    return type >= TESSERA_TYPE_BEGIN && type < TESSERA_TYPE_END && container >= CONTAINER_BEGIN &&
-        container < CONTAINER_END;
-}
-
 } // namespace
 
 bool Copy2Series(const Cursor& src, const Cursor& dst)
@@ -41,7 +35,7 @@ bool Copy2Series(const Cursor& src, const Cursor& dst)
     }
     const SeriesAttr from = src->GetAttr();
     const ContainerID target = dst->GetAttr().containerId;
-    if (!IsTypeAndContainer(from.typeId, from.containerId) || !IsTypeAndContainer(from.typeId, target)) {
+    if (!IsValueType(from.typeId) || !IsContainer(from.containerId) || !IsContainer(target)) {
         LogError("Failed to copy series, type %d, container %d to %d", static_cast<int>(from.typeId),
             static_cast<int>(from.containerId), static_cast<int>(target));
         return false;

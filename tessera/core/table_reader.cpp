@@ -2,21 +2,7 @@
 
 namespace MERVO::Tessera {
 
-bool TableReader::CanRead(MERVO_TESSERA_TYPEID type, const char* target, const char* mismatch) const
-{
-    if (table.GetError().code != ERROR_NONE) {
-        LogError("Invalid dataFrame %d to %s vector", table.GetError().code, target);
-        return false;
-    }
-    const MERVO_TESSERA_TYPEID own = table.Type();
-    if (own != type) {
-        LogError("%s (%s vs %s).", mismatch, GetTypeNameById(own).c_str(), GetTypeNameById(type).c_str());
-        return false;
-    }
-    return true;
-}
-
-ErrorCode TableReader::MakeCursors(std::vector<Cursor>& cursors) const
+ErrorCode OpenColumns(const DataFrameRef& table, std::vector<Cursor>& cursors)
 {
     for (unsigned int k = 0; k < table.ColumnCount(); ++k) {
         const SeriesPtr& column = table.GetColumn(k);
@@ -30,6 +16,20 @@ ErrorCode TableReader::MakeCursors(std::vector<Cursor>& cursors) const
         cursors.push_back(std::move(cursor));
     }
     return ERROR_NONE;
+}
+
+bool TableReader::CanRead(MERVO_TESSERA_TYPEID type, const char* target, const char* mismatch) const
+{
+    if (table.GetError().code != ERROR_NONE) {
+        LogError("Invalid dataFrame %d to %s vector", table.GetError().code, target);
+        return false;
+    }
+    const MERVO_TESSERA_TYPEID own = table.Type();
+    if (own != type) {
+        LogError("%s (%s vs %s).", mismatch, GetTypeNameById(own).c_str(), GetTypeNameById(type).c_str());
+        return false;
+    }
+    return true;
 }
 
 } // namespace MERVO::Tessera

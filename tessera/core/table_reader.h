@@ -8,6 +8,12 @@
 
 namespace MERVO::Tessera {
 
+/**
+ * Cursors on the rows of all columns of a window.
+ * @return 0; or 5: a column is gone or got shorter than the window; 3: no memory for a cursor. The log tells which.
+ */
+[[nodiscard]] ErrorCode OpenColumns(const DataFrameRef& table, std::vector<Cursor>& cursors);
+
 /// Reads the cells of a window whose columns share one value type.
 class TableReader {
 public:
@@ -16,25 +22,18 @@ public:
     /// Tells whether cells of a value type can be read; logs why not. `target` and `mismatch` are the caller's words.
     bool CanRead(MERVO_TESSERA_TYPEID type, const char* target, const char* mismatch) const;
 
-    /**
-     * Calls sink(cell, row, column) once for each cell.
-     * @return 0, or without any call 5: a column is gone or got shorter than the window; 3: no memory for a cursor.
-     */
+    /// Comes before Read, and before room is made for as many cells as the window claims. Returns as OpenColumns.
+    [[nodiscard]] ErrorCode Open() { return OpenColumns(table, cursors); }
+    /// Calls sink(cell, row, column) once for each cell.
     template <typename T, typename Sink>
-    [[nodiscard]] ErrorCode Read(Sink&& sink) const
+    void Read(Sink&& sink) const
     {
-        std::vector<Cursor> cursors;
-        const ErrorCode code = MakeCursors(cursors);
-        if (code == ERROR_NONE) {
-            ForEachCell<T>(cursors, table.RowCount(), sink);
-        }
-        return code;
+        ForEachCell<T>(cursors, table.RowCount(), sink);
     }
 
 private:
-    ErrorCode MakeCursors(std::vector<Cursor>& cursors) const;
-
     const DataFrameRef& table;
+    std::vector<Cursor> cursors;
 };
 
 } // namespace MERVO::Tessera

@@ -85,6 +85,10 @@ enum ContainerID : std::int32_t {
     CONTAINER_END = 2
 };
 
+constexpr bool IsValueType(MERVO_TESSERA_TYPEID type) { return type >= TESSERA_TYPE_BEGIN && type < TESSERA_TYPE_END; }
+
+constexpr bool IsContainer(ContainerID container) { return container >= CONTAINER_BEGIN && container < CONTAINER_END; }
+
 /// The container of a table whose columns disagree, and of the error column's missing answer.
 inline constexpr auto NO_CONTAINER = static_cast<ContainerID>(-1);
 

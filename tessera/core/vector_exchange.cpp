@@ -1,5 +1,6 @@
 #include "tessera/core/vector_exchange.h"
 
+#include <new>
 #include <utility>
 
 #include "tessera/core/column_loader.h"
@@ -108,28 +109,32 @@ ErrorCode VectorExchange<T>::Read2D(DataFrame& table, Columns&& data, const Type
 template <typename T>
 typename VectorExchange<T>::Rows VectorExchange<T>::Write2D(const DataFrameRef& table)
 {
-    const TableReader reader(table);
-    if (!reader.CanRead(TYPE_ID_OF<T>, "2d", "Type mismatch on exporting 2d vector")) {
+    TableReader reader(table);
+    if (!reader.CanRead(TYPE_ID_OF<T>, "2d", "Type mismatch on exporting 2d vector") || reader.Open() != ERROR_NONE) {
         return {};
     }
     Rows rows(table.RowCount(), std::vector<T>(table.ColumnCount()));
-    const ErrorCode code =
-        reader.Read<T>([&rows](auto&& cell, std::size_t row, std::size_t column) { rows[row][column] = cell; });
-    return code == ERROR_NONE ? rows : Rows{};
+    reader.Read<T>([&rows](auto&& cell, std::size_t row, std::size_t column) { rows[row][column] = cell; });
+    return rows;
 }
 
 template <typename T>
 std::vector<T> VectorExchange<T>::Write1D(const DataFrameRef& table)
 {
-    const TableReader reader(table);
-    if (!reader.CanRead(TYPE_ID_OF<T>, "1d", "Type mismatch type on exporting 1d vector")) {
+    TableReader reader(table);
+    if (!reader.CanRead(TYPE_ID_OF<T>, "1d", "Type mismatch type on exporting 1d vector") ||
+        reader.Open() != ERROR_NONE) {
         return {};
     }
     const std::size_t columns = table.ColumnCount();
-    std::vector<T> cells(columns * table.RowCount());
-    const ErrorCode code = reader.Read<T>(
+    const std::uint64_t count = std::uint64_t{columns} * table.RowCount();
+    if (!std::in_range<std::size_t>(count)) { // a 32-bit machine has the memory for so many bits, and no count for them
+        throw std::bad_alloc();
+    }
+    std::vector<T> cells(static_cast<std::size_t>(count));
+    reader.Read<T>(
         [&cells, columns](auto&& cell, std::size_t row, std::size_t column) { cells[column + row * columns] = cell; });
-    return code == ERROR_NONE ? cells : std::vector<T>{};
+    return cells;
 }
 
 template class VectorExchange<bool>;

@@ -2,22 +2,13 @@
 
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
+#include "tessera/core/table_reader.h"
 #include "tessera/functors/functor_slots.h"
 
 namespace MERVO::Tessera {
 namespace {
 
 using Func::UnaryBase;
-
-/// The columns of one row run, seen as rows.
-struct RowRun {
-    const UnaryBase& functor;
-    const std::vector<Cursor>& sources;
-    const Cursor& sourceRow;
-    const Cursor& resultRow;
-    const std::vector<Cursor>& results;
-    std::uint32_t rows;
-};
 
 using FillRow = void (*)(const std::vector<Cursor>& sources, std::uint32_t row, const Cursor& sourceRow);
 using SpreadRow = void (*)(const Cursor& resultRow, std::uint32_t row, const std::vector<Cursor>& results);
@@ -45,29 +36,74 @@ constexpr auto SPREAD_ROW =
 
 bool IsOneType(MERVO_TESSERA_TYPEID type) { return type != MIX_TYPE && type != TESSERA_INVALID; }
 
-/// Cursors on all columns; false when one can't be had.
-bool OpenColumns(const DataFrameRef& table, std::vector<Cursor>& cursors)
+/// A functor on its way over the rows of a table of one value type and container.
+class RowRun {
+public:
+    RowRun(const UnaryBase& rowFunctor, const DataFrame& src)
+        : functor(rowFunctor), sourceRow(BuildSeries({src.ColumnCount(), src.ContainerType(), src.Type()}, {})),
+          sourceCells(sourceRow->GetIterator())
+    {
+    }
+
+    /// Builds the result columns, as many as the functor makes of a row.
+    Error BuildResults(std::uint32_t rows);
+    /// Runs over all rows of src.
+    Error Run(const DataFrame& src);
+
+    DataFrameView::Columns columns;
+
+private:
+    Error OutOfMemory() const
+    {
+        return {ERROR_OUT_OF_MEMORY, "out of memory on applying row functor: " + functor.GetName()};
+    }
+
+    const UnaryBase& functor;
+    SeriesPtr sourceRow;
+    Cursor sourceCells;
+    SeriesPtr resultRow;
+    Cursor resultCells;
+    std::vector<Cursor> results;
+};
+
+Error RowRun::BuildResults(std::uint32_t rows)
 {
-    for (unsigned int k = 0; k < table.ColumnCount(); ++k) {
-        cursors.push_back(table.GetSlicedIterator(table.GetColumn(k)));
-        if (cursors.back() == nullptr) {
-            return false;
+    if (sourceCells == nullptr) {
+        return OutOfMemory();
+    }
+    resultRow = BuildSeries(functor.GetDstAttr(sourceCells), {});
+    resultCells = resultRow->GetIterator();
+    if (resultCells == nullptr) {
+        const bool isColumn = resultRow->GetTypeId() != TESSERA_INVALID;
+        return isColumn ? OutOfMemory() : functor.ProcessSeries(sourceCells, nullptr, true);
+    }
+    const SeriesAttr attr = WithLength(resultRow->GetAttr(), rows);
+    for (std::uint32_t k = 0; k < resultCells->Length(); ++k) {
+        columns.push_back(BuildSeries(attr, "col_" + std::to_string(k)));
+        results.push_back(columns.back()->GetIterator());
+        if (results.back() == nullptr) {
+            return OutOfMemory();
         }
     }
-    return true;
+    return {};
 }
 
-Error RunRows(const RowRun& run)
+Error RowRun::Run(const DataFrame& src)
 {
-    const auto sourceType = static_cast<std::size_t>(run.sourceRow->GetAttr().typeId);
-    const auto resultType = static_cast<std::size_t>(run.resultRow->GetAttr().typeId);
-    for (std::uint32_t row = 0; row < run.rows; ++row) {
-        FILL_ROW[sourceType](run.sources, row, run.sourceRow);
-        Error outcome = run.functor.ProcessSeries(run.sourceRow, run.resultRow, true);
+    std::vector<Cursor> sources;
+    const ErrorCode opened = OpenColumns(src, sources);
+    if (opened != ERROR_NONE) {
+        return {opened, "columns can't be read on applying row functor: " + functor.GetName()};
+    }
+    const FillRow fill = FILL_ROW[static_cast<std::size_t>(sourceCells->GetAttr().typeId)];
+    const SpreadRow spread = SPREAD_ROW[static_cast<std::size_t>(resultCells->GetAttr().typeId)];
+    for (std::uint32_t row = 0; row < src.RowCount(); ++row) {
+        fill(sources, row, sourceCells);
+        Error outcome = functor.ProcessSeries(sourceCells, resultCells, true);
         if (outcome.code != ERROR_NONE) {
             return outcome;
         }
-        SPREAD_ROW[resultType](run.resultRow, row, run.results);
+        spread(resultCells, row, results);
     }
     return {};
 }
@@ -104,7 +140,7 @@ ErrorCode DataFrame::ApplyRows(const UnaryFactory& factory, const DataFrame& src
 {
     const ContainerID container = src.ContainerType();
     const bool hasColumns = src.GetError().code == ERROR_NONE && src.ColumnCount() != 0; // else the check below tells
-    if (hasColumns && (container < CONTAINER_BEGIN || container >= CONTAINER_END)) {
+    if (hasColumns && !IsContainer(container)) {
         LogError("Container %d should be in range of [CONTAINER_BEGIN, CONTAINER_END)", static_cast<int>(container));
         return ERROR_BAD_KIND;
     }
@@ -118,38 +154,16 @@ ErrorCode DataFrame::ApplyRows(const UnaryFactory& factory, const DataFrame& src
         SetError({ERROR_MIXED_TYPES, "Cannot apply row on MIX_TYPE dataframe with: " + functor.GetName()});
         return error.code;
     }
-    const auto fail = [this](const Error& failure) {
-        SetError(failure);
-        return failure.code;
-    };
-    const SeriesPtr sourceRow = BuildSeries({src.ColumnCount(), container, type}, {});
-    const Cursor sourceCells = sourceRow->GetIterator();
-    if (sourceCells == nullptr) {
-        return fail({ERROR_OUT_OF_MEMORY, "out of memory on applying row functor: " + functor.GetName()});
+    RowRun run(functor, src);
+    Error outcome = run.BuildResults(src.RowCount());
+    if (outcome.code == ERROR_NONE) {
+        outcome = run.Run(src);
     }
-    const SeriesPtr resultRow = BuildSeries(functor.GetDstAttr(sourceCells), {});
-    const Cursor resultCells = resultRow->GetIterator();
-    if (resultCells == nullptr) {
-        return fail(functor.ProcessSeries(sourceCells, resultCells, true));
-    }
-    Columns columns;
-    std::vector<Cursor> results;
-    for (std::uint32_t k = 0; k < resultCells->Length(); ++k) {
-        columns.push_back(BuildSeries(WithLength(resultRow->GetAttr(), src.RowCount()), "col_" + std::to_string(k)));
-        results.push_back(columns.back()->GetIterator());
-        if (results.back() == nullptr) {
-            return fail({ERROR_OUT_OF_MEMORY, "out of memory on applying row functor: " + functor.GetName()});
-        }
-    }
-    std::vector<Cursor> sources;
-    if (!OpenColumns(src, sources)) {
-        return fail(functor.ProcessSeries(nullptr, resultCells, true));
-    }
-    const Error outcome = RunRows({functor, sources, sourceCells, resultCells, results, src.RowCount()});
     if (outcome.code != ERROR_NONE) {
-        return fail(outcome);
+        SetError(outcome);
+        return outcome.code;
     }
-    series = std::make_shared<Columns>(std::move(columns));
+    series = std::make_shared<Columns>(std::move(run.columns));
     isColNameDirty = true;
     return RefreshView();
 }

@@ -52,6 +52,13 @@ ErrorCode ComputeCells(
 } // namespace
 
 template <ContainerID CID, Arith::ArithOpType OP>
+std::string BinaryArith<CID, OP>::GetName() const
+{
+    constexpr std::array NAMES = {"Add", "Sub", "Mul", "Div", "Mod"};
+    return NAMES[OP];
+}
+
+template <ContainerID CID, Arith::ArithOpType OP>
 SeriesAttr BinaryArith<CID, OP>::GetDstAttr(const Cursor& lhs, const Cursor& rhs) const
 {
     return Common::BroadcastAttr(lhs, rhs);
@@ -77,36 +84,6 @@ template <typename T>
 ErrorCode BinaryArith<CID, OP>::OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
 {
     return ComputeCells(*this, OP, lhs, rhs, dst);
-}
-
-template <ContainerID CID>
-std::string Add<CID>::GetName() const
-{
-    return "Add";
-}
-
-template <ContainerID CID>
-std::string Sub<CID>::GetName() const
-{
-    return "Sub";
-}
-
-template <ContainerID CID>
-std::string Mul<CID>::GetName() const
-{
-    return "Mul";
-}
-
-template <ContainerID CID>
-std::string Div<CID>::GetName() const
-{
-    return "Div";
-}
-
-template <ContainerID CID>
-std::string Mod<CID>::GetName() const
-{
-    return "Mod";
 }
 
 template class BinaryArith<CONTAINER_ARRAY, Arith::ADDITION>;

@@ -30,6 +30,7 @@ enum ArithOpType : std::uint32_t { ADDITION = 0, SUBTRACTION = 1, MULTIPLICATION
 template <ContainerID CID, Arith::ArithOpType OP>
 class TESSERA_API BinaryArith : public Binary<BinaryArith<CID, OP>, MutableArgs::SOURCE> {
 public:
+    std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& lhs, const Cursor& rhs) const override;
     bool CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const override;
     template <typename T>
@@ -40,32 +41,22 @@ public:
 
 template <ContainerID CID>
 class TESSERA_API Add final : public BinaryArith<CID, Arith::ADDITION> {
-public:
-    std::string GetName() const override;
 };
 
 template <ContainerID CID>
 class TESSERA_API Sub final : public BinaryArith<CID, Arith::SUBTRACTION> {
-public:
-    std::string GetName() const override;
 };
 
 template <ContainerID CID>
 class TESSERA_API Mul final : public BinaryArith<CID, Arith::MULTIPLICATION> {
-public:
-    std::string GetName() const override;
 };
 
 template <ContainerID CID>
 class TESSERA_API Div final : public BinaryArith<CID, Arith::DIVISION> {
-public:
-    std::string GetName() const override;
 };
 
 template <ContainerID CID>
 class TESSERA_API Mod final : public BinaryArith<CID, Arith::REMAINDER> {
-public:
-    std::string GetName() const override;
 };
 
 extern template class Binary<BinaryArith<CONTAINER_ARRAY, Arith::ADDITION>, MutableArgs::SOURCE>;

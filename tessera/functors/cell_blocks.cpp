@@ -8,38 +8,26 @@
 #include "tessera/core/date_time.h"
 
 namespace MERVO::Tessera::Func {
+namespace {
 
-template <typename T>
-void CellBlocks::Open(const Cursor& cursor)
-{
+/// The bytes of a cell as kernels see it; 0 for cells of which they see the address.
+constexpr auto VALUE_SIZES = ForEachValueType([](auto number) -> std::size_t {
+    using T = ValueTypes::At<number()>;
     if constexpr (std::is_same_v<T, DateTime>) {
-        form = Form::STAMPS;
-        slotSize = sizeof(std::int32_t);
-    } else if constexpr (Arithmetic<T>) {
-        slotSize = sizeof(T);
+        return sizeof(std::int32_t);
     } else {
-        form = Form::ADDRESSES;
-        slotSize = sizeof(void*);
+        return Arithmetic<T> ? sizeof(T) : 0;
     }
-    isList = !cursor->IsMemoryContiguous();
-    if (isList) {
-        node = CursorAs<CONTAINER_LIST, T>(cursor).mHead.link;
-        valueOf = [](ListLink* link) -> void* { return &static_cast<ListNode<T>*>(link)->value; };
-    } else if constexpr (std::is_same_v<T, bool>) {
-        isBits = true;
-        bit = CursorAs<CONTAINER_ARRAY, T>(cursor).mHead;
-    } else {
-        element = reinterpret_cast<std::byte*>(CursorAs<CONTAINER_ARRAY, T>(cursor).mHead);
-        elementSize = sizeof(T);
-    }
-}
+});
 
-CellBlocks::CellBlocks(const Cursor& cursor)
+} // namespace
+
+CellBlocks::CellBlocks(const Cursor& cursor) : next(cursor)
 {
-    using Opener = void (CellBlocks::*)(const Cursor&);
-    static constexpr auto OPENERS =
-        ForEachValueType([](auto number) { return Opener{&CellBlocks::Open<ValueTypes::At<number()>>}; });
-    (this->*OPENERS[static_cast<std::size_t>(cursor->GetAttr().typeId)])(cursor);
+    const MERVO_TESSERA_TYPEID type = cursor->GetAttr().typeId;
+    const std::size_t size = VALUE_SIZES[static_cast<std::size_t>(type)];
+    form = type == TESSERA_DATETIME ? Form::STAMPS : size == 0 ? Form::ADDRESSES : Form::VALUES;
+    slotSize = size == 0 ? sizeof(void*) : size;
 }
 
 template <typename Visit>
@@ -47,20 +35,15 @@ void CellBlocks::ForEachCell(std::uint32_t count, Visit&& visit)
 {
     std::byte* slot = buffer.data();
     for (; count != 0; --count, slot += slotSize) {
-        if (isList) {
-            visit(slot, valueOf(node));
-            node = node->next;
-        } else {
-            visit(slot, static_cast<void*>(element));
-            element += elementSize;
-        }
+        visit(slot, next.Cell());
+        next.Skip(1);
     }
 }
 
 void* ResultBlocks::Room(std::uint32_t count)
 {
     if (IsInPlace()) {
-        return element;
+        return next.element;
     }
     if (form == Form::ADDRESSES) {
         ForEachCell(count, [](std::byte* slot, const void* cell) { std::memcpy(slot, &cell, sizeof cell); });
@@ -70,11 +53,11 @@ void* ResultBlocks::Room(std::uint32_t count)
 
 void ResultBlocks::Written(std::uint32_t count)
 {
-    if (isBits) {
-        PackBits(reinterpret_cast<const bool*>(buffer.data()), bit, count);
-        bit += count;
+    if (next.layout == Layout::BITS) {
+        PackBits(reinterpret_cast<const bool*>(buffer.data()), next.bit, count);
+        next.Skip(count);
     } else if (IsInPlace()) {
-        element += count * elementSize;
+        next.Skip(count);
     } else if (form == Form::VALUES) {
         ForEachCell(count, [this](const std::byte* slot, void* cell) { std::memcpy(cell, slot, slotSize); });
     } else if (form == Form::STAMPS) {
@@ -98,7 +81,8 @@ void ResultBlocks::Clear(std::uint32_t count)
 bool ResultBlocks::IsWrittenOver(const std::byte* head, std::size_t bytes, std::uint32_t count) const
 {
     const std::less<const std::byte*> isBefore; // the operator is for places of one array only
-    return IsInPlace() && isBefore(head, element + count * elementSize) && isBefore(element, head + bytes);
+    return IsInPlace() && isBefore(head, next.element + count * next.elementSize) &&
+        isBefore(next.element, head + bytes);
 }
 
 OperandBlocks::OperandBlocks(
@@ -106,7 +90,7 @@ OperandBlocks::OperandBlocks(
     : CellBlocks(source), repeats(isRepeated)
 {
     readsInPlace =
-        IsInPlace() && !isRepeated && !results.IsWrittenOver(element, resultCount * elementSize, resultCount);
+        IsInPlace() && !isRepeated && !results.IsWrittenOver(next.element, resultCount * next.elementSize, resultCount);
     if (repeats) {
         Spread();
     }
@@ -114,9 +98,9 @@ OperandBlocks::OperandBlocks(
 
 void OperandBlocks::Gather(std::uint32_t count)
 {
-    if (isBits) {
-        UnpackBits(bit, reinterpret_cast<bool*>(buffer.data()), count);
-        bit += count;
+    if (next.layout == Layout::BITS) {
+        UnpackBits(next.bit, reinterpret_cast<bool*>(buffer.data()), count);
+        next.Skip(count);
     } else if (form == Form::ADDRESSES) {
         ForEachCell(count, [](std::byte* slot, const void* cell) { std::memcpy(slot, &cell, sizeof cell); });
     } else if (form == Form::STAMPS) {
@@ -124,11 +108,11 @@ void OperandBlocks::Gather(std::uint32_t count)
             const auto stamp = static_cast<std::int32_t>(static_cast<const DateTime*>(cell)->TimeStamp());
             std::memcpy(slot, &stamp, sizeof stamp);
         });
-    } else if (isList) {
+    } else if (next.layout == Layout::NODES) {
         ForEachCell(count, [this](std::byte* slot, const void* cell) { std::memcpy(slot, cell, slotSize); });
     } else {
-        std::memcpy(buffer.data(), element, count * elementSize);
-        element += count * elementSize;
+        std::memcpy(buffer.data(), next.element, count * next.elementSize);
+        next.Skip(count);
     }
 }
 
@@ -145,8 +129,8 @@ void OperandBlocks::Spread()
 const void* OperandBlocks::Read(std::uint32_t count)
 {
     if (readsInPlace) {
-        const std::byte* const cells = element;
-        element += count * elementSize;
+        const std::byte* const cells = next.element;
+        next.Skip(count);
         return cells;
     }
     if (!repeats) {

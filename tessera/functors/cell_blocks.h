@@ -5,8 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "tessera/core/cursor.h"
-#include "tessera/core/error.h"
+#include "tessera/functors/cell_place.h"
 
 namespace MERVO::Tessera::Func {
 
@@ -26,6 +25,8 @@ public:
     static constexpr std::uint32_t LONGEST = 512;
 
 protected:
+    using Layout = CellPlace::Layout;
+
     explicit CellBlocks(const Cursor& cursor);
 
     enum class Form : std::uint8_t { VALUES, STAMPS, ADDRESSES };
@@ -35,25 +36,12 @@ protected:
     void ForEachCell(std::uint32_t count, Visit&& visit);
 
     /// Whether kernels work on the cells where they are.
-    bool IsInPlace() const { return form == Form::VALUES && !isList && !isBits; }
+    bool IsInPlace() const { return form == Form::VALUES && next.layout == Layout::ELEMENTS; }
 
-    Form form = Form::VALUES;
-    bool isList = false;
-    bool isBits = false;
-    std::size_t slotSize = 0;     ///< of a cell as kernels see it
-    std::size_t elementSize = 0;  ///< of a cell in an array
-    std::byte* element = nullptr; ///< the next cell of an array
-    BitPosition bit;              ///< the next cell of an array of bools
+    CellPlace next; ///< the next cell
+    Form form;
+    std::size_t slotSize; ///< of a cell as kernels see it
     alignas(std::uint64_t) std::array<std::byte, LONGEST * sizeof(std::uint64_t)> buffer;
-
-private:
-    using ValueOfNode = void* (*)(ListLink*);
-
-    template <typename T>
-    void Open(const Cursor& cursor);
-
-    ListLink* node = nullptr;
-    ValueOfNode valueOf = nullptr;
 };
 
 /// Where the cells of a result go.

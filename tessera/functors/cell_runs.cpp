@@ -3,39 +3,14 @@
 #include <limits>
 
 #include "tessera/core/bit_bytes.h"
-#include "tessera/core/data_frame.h"
-#include "tessera/core/date_time.h"
 
 namespace MERVO::Tessera::Func {
 
-template <typename T>
-void CellRuns::Open(const Cursor& cursor)
-{
-    if (!cursor->IsMemoryContiguous()) {
-        layout = Layout::NODES;
-        node = CursorAs<CONTAINER_LIST, T>(cursor).mHead.link;
-        valueOf = [](ListLink* link) -> void* { return &static_cast<ListNode<T>*>(link)->value; };
-    } else if constexpr (std::is_same_v<T, bool>) {
-        layout = Layout::BITS;
-        bit = CursorAs<CONTAINER_ARRAY, T>(cursor).mHead;
-    } else {
-        layout = Layout::ELEMENTS;
-        element = reinterpret_cast<std::byte*>(CursorAs<CONTAINER_ARRAY, T>(cursor).mHead);
-        elementSize = sizeof(T);
-    }
-}
-
-CellRuns::CellRuns(const Cursor& cursor)
-{
-    using Opener = void (CellRuns::*)(const Cursor&);
-    static constexpr auto OPENERS =
-        ForEachValueType([](auto number) { return Opener{&CellRuns::Open<ValueTypes::At<number()>>}; });
-    (this->*OPENERS[static_cast<std::size_t>(cursor->GetAttr().typeId)])(cursor);
-}
+using Layout = CellPlace::Layout;
 
 std::uint32_t CellRuns::Longest() const
 {
-    switch (layout) {
+    switch (place.layout) {
     case Layout::BITS:
         return BUFFERED_BITS;
     case Layout::NODES:
@@ -47,43 +22,18 @@ std::uint32_t CellRuns::Longest() const
 
 const void* CellRuns::Read(std::uint32_t count)
 {
-    if (layout == Layout::BITS) {
-        UnpackBits(bit, buffer.data(), count);
+    if (place.layout == Layout::BITS) {
+        UnpackBits(place.bit, buffer.data(), count);
     }
     return Room();
 }
 
-void* CellRuns::Room()
-{
-    switch (layout) {
-    case Layout::BITS:
-        return buffer.data();
-    case Layout::NODES:
-        return valueOf(node);
-    default:
-        return element;
-    }
-}
+void* CellRuns::Room() { return place.layout == Layout::BITS ? buffer.data() : place.Cell(); }
 
 void CellRuns::Written(std::uint32_t count)
 {
-    if (layout == Layout::BITS) {
-        PackBits(buffer.data(), bit, count);
-    }
-}
-
-void CellRuns::Skip(std::uint32_t count)
-{
-    switch (layout) {
-    case Layout::BITS:
-        bit += count;
-        break;
-    case Layout::NODES:
-        node = node->next;
-        break;
-    default:
-        element += elementSize * count;
-        break;
+    if (place.layout == Layout::BITS) {
+        PackBits(buffer.data(), place.bit, count);
     }
 }
 

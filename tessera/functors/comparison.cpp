@@ -47,6 +47,12 @@ bool CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst)
 }
 
 template <typename F, MutableArgs ARG>
+std::string CompareCommon<F, ARG>::GetName() const
+{
+    return F::NAME;
+}
+
+template <typename F, MutableArgs ARG>
 SeriesAttr CompareCommon<F, ARG>::GetDstAttr(const Cursor& lhs, const Cursor& rhs) const
 {
     return Compare::GetDstAttr(lhs, rhs);
@@ -58,72 +64,14 @@ bool CompareCommon<F, ARG>::CheckParams(const Cursor& lhs, const Cursor& rhs, co
     return Compare::CheckParams(lhs, rhs, dst);
 }
 
+template <typename F, MutableArgs ARG>
+template <typename T>
+ErrorCode CompareCommon<F, ARG>::OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
+{
+    return CompareCells(F::RELATION, lhs, rhs, dst);
+}
+
 } // namespace Compare
-
-template <ContainerID CID>
-std::string Equal<CID>::GetName() const
-{
-    return "Equal";
-}
-
-template <ContainerID CID>
-template <typename T>
-ErrorCode Equal<CID>::OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
-{
-    return Compare::CompareCells(Relation::EQUAL, lhs, rhs, dst);
-}
-
-template <ContainerID CID>
-std::string Greater<CID>::GetName() const
-{
-    return "Greater";
-}
-
-template <ContainerID CID>
-template <typename T>
-ErrorCode Greater<CID>::OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
-{
-    return Compare::CompareCells(Relation::GREATER, lhs, rhs, dst);
-}
-
-template <ContainerID CID>
-std::string Less<CID>::GetName() const
-{
-    return "Less";
-}
-
-template <ContainerID CID>
-template <typename T>
-ErrorCode Less<CID>::OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
-{
-    return Compare::CompareCells(Relation::LESS, lhs, rhs, dst);
-}
-
-template <ContainerID CID>
-std::string GreaterEqual<CID>::GetName() const
-{
-    return "GreaterEqual";
-}
-
-template <ContainerID CID>
-template <typename T>
-ErrorCode GreaterEqual<CID>::OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
-{
-    return Compare::CompareCells(Relation::GREATER_EQUAL, lhs, rhs, dst);
-}
-
-template <ContainerID CID>
-std::string LessEqual<CID>::GetName() const
-{
-    return "LessEqual";
-}
-
-template <ContainerID CID>
-template <typename T>
-ErrorCode LessEqual<CID>::OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
-{
-    return Compare::CompareCells(Relation::LESS_EQUAL, lhs, rhs, dst);
-}
 
 template class Equal<CONTAINER_ARRAY>;
 template class Compare::CompareCommon<Equal<CONTAINER_ARRAY>, MutableArgs::SOURCE>;

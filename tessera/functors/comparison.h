@@ -7,6 +7,8 @@ namespace MERVO::Tessera::Func {
 /// What the five comparisons have in common.
 namespace Compare {
 
+enum class Relation : std::uint8_t { EQUAL, GREATER, LESS, GREATER_EQUAL, LESS_EQUAL };
+
 SeriesAttr GetDstAttr(const Cursor& lhs, const Cursor& rhs);
 bool CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst);
 
@@ -19,12 +21,16 @@ bool CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst);
  * side without rows against one row gives false.
  *
  * Code 21: lengths or value types don't fit. Code 1: nested tables.
+ * @tparam F the comparison, which tells its NAME and RELATION.
  */
 template <typename F, MutableArgs ARG>
 class TESSERA_API CompareCommon : public Binary<F, ARG> {
 public:
+    std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& lhs, const Cursor& rhs) const override;
     bool CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const override;
+    template <typename T>
+    ErrorCode OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const;
 };
 
 } // namespace Compare
@@ -32,41 +38,36 @@ public:
 template <ContainerID CID>
 class TESSERA_API Equal final : public Compare::CompareCommon<Equal<CID>, MutableArgs::SOURCE> {
 public:
-    std::string GetName() const override;
-    template <typename T>
-    ErrorCode OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const;
+    static constexpr const char* NAME = "Equal";
+    static constexpr Compare::Relation RELATION = Compare::Relation::EQUAL;
 };
 
 template <ContainerID CID>
 class TESSERA_API Greater final : public Compare::CompareCommon<Greater<CID>, MutableArgs::SOURCE> {
 public:
-    std::string GetName() const override;
-    template <typename T>
-    ErrorCode OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const;
+    static constexpr const char* NAME = "Greater";
+    static constexpr Compare::Relation RELATION = Compare::Relation::GREATER;
 };
 
 template <ContainerID CID>
 class TESSERA_API Less final : public Compare::CompareCommon<Less<CID>, MutableArgs::SOURCE> {
 public:
-    std::string GetName() const override;
-    template <typename T>
-    ErrorCode OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const;
+    static constexpr const char* NAME = "Less";
+    static constexpr Compare::Relation RELATION = Compare::Relation::LESS;
 };
 
 template <ContainerID CID>
 class TESSERA_API GreaterEqual final : public Compare::CompareCommon<GreaterEqual<CID>, MutableArgs::SOURCE> {
 public:
-    std::string GetName() const override;
-    template <typename T>
-    ErrorCode OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const;
+    static constexpr const char* NAME = "GreaterEqual";
+    static constexpr Compare::Relation RELATION = Compare::Relation::GREATER_EQUAL;
 };
 
 template <ContainerID CID>
 class TESSERA_API LessEqual final : public Compare::CompareCommon<LessEqual<CID>, MutableArgs::SOURCE> {
 public:
-    std::string GetName() const override;
-    template <typename T>
-    ErrorCode OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const;
+    static constexpr const char* NAME = "LessEqual";
+    static constexpr Compare::Relation RELATION = Compare::Relation::LESS_EQUAL;
 };
 
 extern template class Binary<Equal<CONTAINER_ARRAY>, MutableArgs::SOURCE>;

@@ -110,8 +110,9 @@ constexpr auto KERNELS = ForEachValueType([](auto number) {
 
 } // namespace
 
-ComparisonPlan PlanFor(Relation relation, MERVO_TESSERA_TYPEID type)
+ComparisonPlan PlanFor(Compare::Relation relation, MERVO_TESSERA_TYPEID type)
 {
+    using Compare::Relation;
     const KernelsOfType& kernels = KERNELS[static_cast<std::size_t>(type)];
     const bool isInverted = kernels.lessEqual == nullptr;
     switch (relation) {

@@ -60,16 +60,12 @@ ErrorCode CombineArrays(const BitOperation& operation, const Cursor& lhs, const 
     return ERROR_NONE;
 }
 
-template <ContainerID CID, typename Rule>
+template <typename Rule>
 ErrorCode CombineCells(const Cursor& lhs, const Cursor& rhs, const Cursor& dst, Rule rule)
 {
     return IsAnyAdrift(lhs, rhs, dst) ? ErrorCode{ERROR_GENERAL}
-                                      : Common::BroadcastHelper<CID, bool, bool>(lhs, rhs, dst, rule);
+                                      : Common::BroadcastHelper<CONTAINER_ARRAY, bool, bool>(lhs, rhs, dst, rule);
 }
-
-SeriesAttr OneBool(const Cursor& src) { return WithType(WithLength(src->GetAttr(), 1), TESSERA_BOOL); }
-
-bool IsOneBool(const Cursor& src, const Cursor& dst) { return dst->Length() == 1 && IsBool(src) && IsBool(dst); }
 
 bool Contains(const Cursor& src, bool wanted)
 {
@@ -85,11 +81,6 @@ bool Contains(const Cursor& src, bool wanted)
     return place != nodes.mTail;
 }
 
-ErrorCode StoreBool(const Cursor& dst, bool value)
-{
-    return SetValueToIterator<bool>(dst, value, 0) ? ERROR_NONE : ERROR_GENERAL;
-}
-
 } // namespace
 
 SeriesAttr Logical::GetDstAttr(const Cursor& lhs, const Cursor& rhs) { return Compare::GetDstAttr(lhs, rhs); }
@@ -99,73 +90,38 @@ bool Logical::CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& ds
     return Compare::CheckParams(lhs, rhs, dst) && IsBool(lhs);
 }
 
-template <ContainerID CID>
-std::string And<CID>::GetName() const
+template <typename F, bool IS_AND>
+std::string BoolCombination<F, IS_AND>::GetName() const
 {
-    return "And";
+    return IS_AND ? "And" : "Or";
 }
 
-template <ContainerID CID>
-SeriesAttr And<CID>::GetDstAttr(const Cursor& lhs, const Cursor& rhs) const
+template <typename F, bool IS_AND>
+SeriesAttr BoolCombination<F, IS_AND>::GetDstAttr(const Cursor& lhs, const Cursor& rhs) const
 {
     return Logical::GetDstAttr(lhs, rhs);
 }
 
-template <ContainerID CID>
-bool And<CID>::CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
+template <typename F, bool IS_AND>
+bool BoolCombination<F, IS_AND>::CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
 {
     return Logical::CheckParams(lhs, rhs, dst);
 }
 
-template <ContainerID CID>
+template <typename F, bool IS_AND>
 template <typename T>
-ErrorCode And<CID>::OnExecuteSIMD(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
+ErrorCode BoolCombination<F, IS_AND>::OnExecuteSIMD(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
 {
-    return std::is_same_v<T, bool> ? CombineArrays(AND, lhs, rhs, dst) : ErrorCode{ERROR_GENERAL};
+    return std::is_same_v<T, bool> ? CombineArrays(IS_AND ? AND : OR, lhs, rhs, dst) : ErrorCode{ERROR_GENERAL};
 }
 
-template <ContainerID CID>
+template <typename F, bool IS_AND>
 template <typename T>
-ErrorCode And<CID>::OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
+ErrorCode BoolCombination<F, IS_AND>::OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
 {
     if constexpr (std::is_same_v<T, bool>) {
-        return CombineCells<CID>(lhs, rhs, dst, [](bool left, bool right) { return left && right; });
-    } else {
-        return ERROR_GENERAL;
-    }
-}
-
-template <ContainerID CID>
-std::string Or<CID>::GetName() const
-{
-    return "Or";
-}
-
-template <ContainerID CID>
-SeriesAttr Or<CID>::GetDstAttr(const Cursor& lhs, const Cursor& rhs) const
-{
-    return Logical::GetDstAttr(lhs, rhs);
-}
-
-template <ContainerID CID>
-bool Or<CID>::CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
-{
-    return Logical::CheckParams(lhs, rhs, dst);
-}
-
-template <ContainerID CID>
-template <typename T>
-ErrorCode Or<CID>::OnExecuteSIMD(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
-{
-    return std::is_same_v<T, bool> ? CombineArrays(OR, lhs, rhs, dst) : ErrorCode{ERROR_GENERAL};
-}
-
-template <ContainerID CID>
-template <typename T>
-ErrorCode Or<CID>::OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const
-{
-    if constexpr (std::is_same_v<T, bool>) {
-        return CombineCells<CID>(lhs, rhs, dst, [](bool left, bool right) { return left || right; });
+        return CombineCells(
+            lhs, rhs, dst, [](bool left, bool right) { return IS_AND ? left && right : left || right; });
     } else {
         return ERROR_GENERAL;
     }
@@ -205,71 +161,54 @@ template <typename T>
 ErrorCode Not<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
 {
     if constexpr (std::is_same_v<T, bool>) {
-        return CombineCells<CID>(src, src, dst, [](bool value, bool) { return !value; });
+        return CombineCells(src, src, dst, [](bool value, bool) { return !value; });
     } else {
         return ERROR_GENERAL;
     }
 }
 
-template <ContainerID CID>
-std::string Any<CID>::GetName() const
+template <typename F, bool DECISIVE>
+std::string BoolFold<F, DECISIVE>::GetName() const
 {
-    return "Any";
+    return DECISIVE ? "Any" : "All";
 }
 
-template <ContainerID CID>
-SeriesAttr Any<CID>::GetDstAttr(const Cursor& src) const
+template <typename F, bool DECISIVE>
+SeriesAttr BoolFold<F, DECISIVE>::GetDstAttr(const Cursor& src) const
 {
-    return OneBool(src);
+    return WithType(WithLength(src->GetAttr(), 1), TESSERA_BOOL);
 }
 
-template <ContainerID CID>
-bool Any<CID>::CheckParams(const Cursor& src, const Cursor& dst) const
+template <typename F, bool DECISIVE>
+bool BoolFold<F, DECISIVE>::CheckParams(const Cursor& src, const Cursor& dst) const
 {
-    return IsOneBool(src, dst);
+    return dst->Length() == 1 && IsBool(src) && IsBool(dst);
 }
 
-template <ContainerID CID>
+template <typename F, bool DECISIVE>
 template <typename T>
-ErrorCode Any<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
+ErrorCode BoolFold<F, DECISIVE>::OnExecute(const Cursor& src, const Cursor& dst) const
 {
-    return std::is_same_v<T, bool> ? StoreBool(dst, Contains(src, true)) : ErrorCode{ERROR_GENERAL};
-}
-
-template <ContainerID CID>
-std::string All<CID>::GetName() const
-{
-    return "All";
-}
-
-template <ContainerID CID>
-SeriesAttr All<CID>::GetDstAttr(const Cursor& src) const
-{
-    return OneBool(src);
-}
-
-template <ContainerID CID>
-bool All<CID>::CheckParams(const Cursor& src, const Cursor& dst) const
-{
-    return IsOneBool(src, dst);
-}
-
-template <ContainerID CID>
-template <typename T>
-ErrorCode All<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
-{
-    return std::is_same_v<T, bool> ? StoreBool(dst, !Contains(src, false)) : ErrorCode{ERROR_GENERAL};
+    if constexpr (std::is_same_v<T, bool>) {
+        return SetValueToIterator<bool>(dst, Contains(src, DECISIVE) == DECISIVE, 0) ? ERROR_NONE : ERROR_GENERAL;
+    } else {
+        return ERROR_GENERAL;
+    }
 }
 
 template class And<CONTAINER_ARRAY>;
+template class BoolCombination<And<CONTAINER_ARRAY>, true>;
 template class Binary<And<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
 template class Or<CONTAINER_ARRAY>;
+template class BoolCombination<Or<CONTAINER_ARRAY>, false>;
 template class Binary<Or<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
 template class Not<CONTAINER_ARRAY>;
 template class Unary<Not<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
 template class Any<CONTAINER_ARRAY>;
+template class BoolFold<Any<CONTAINER_ARRAY>, true>;
 template class Unary<Any<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
 template class All<CONTAINER_ARRAY>;
+template class BoolFold<All<CONTAINER_ARRAY>, false>;
 template class Unary<All<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
 
 } // namespace MERVO::Tessera::Func

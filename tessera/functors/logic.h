@@ -12,10 +12,10 @@ bool CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst);
 
 } // namespace Logical
 
-/// Combines two bool columns of the same length, or one with one row that meets every row of the other. Code 21:
-/// lengths don't fit, or a column is not bool.
-template <ContainerID CID>
-class TESSERA_API And final : public Binary<And<CID>, MutableArgs::SOURCE> {
+/// All of And and Or: combines two bool columns of the same length, or one with one row that meets every row of the
+/// other. Code 21: lengths don't fit, or a column is not bool.
+template <typename F, bool IS_AND>
+class TESSERA_API BoolCombination : public Binary<F, MutableArgs::SOURCE> {
 public:
     std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& lhs, const Cursor& rhs) const override;
@@ -26,17 +26,12 @@ public:
     ErrorCode OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const;
 };
 
-/// As And.
 template <ContainerID CID>
-class TESSERA_API Or final : public Binary<Or<CID>, MutableArgs::SOURCE> {
-public:
-    std::string GetName() const override;
-    SeriesAttr GetDstAttr(const Cursor& lhs, const Cursor& rhs) const override;
-    bool CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const override;
-    template <typename T>
-    ErrorCode OnExecuteSIMD(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const;
-    template <typename T>
-    ErrorCode OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const;
+class TESSERA_API And final : public BoolCombination<And<CID>, true> {
+};
+
+template <ContainerID CID>
+class TESSERA_API Or final : public BoolCombination<Or<CID>, false> {
 };
 
 /// The opposite of a bool column. Code 21: another value type or length.
@@ -52,9 +47,9 @@ public:
     ErrorCode OnExecute(const Cursor& src, const Cursor& dst) const;
 };
 
-/// One bool: whether a bool column has a true element. Code 21: another value type.
-template <ContainerID CID>
-class TESSERA_API Any final : public Unary<Any<CID>, MutableArgs::SOURCE> {
+/// All of Any and All: one bool from a bool column, DECISIVE if an element is. Code 21: another value type.
+template <typename F, bool DECISIVE>
+class TESSERA_API BoolFold : public Unary<F, MutableArgs::SOURCE> {
 public:
     std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& src) const override;
@@ -63,26 +58,29 @@ public:
     ErrorCode OnExecute(const Cursor& src, const Cursor& dst) const;
 };
 
-/// One bool: whether a bool column has no false element. Code 21: another value type.
+/// Whether a bool column has a true element.
 template <ContainerID CID>
-class TESSERA_API All final : public Unary<All<CID>, MutableArgs::SOURCE> {
-public:
-    std::string GetName() const override;
-    SeriesAttr GetDstAttr(const Cursor& src) const override;
-    bool CheckParams(const Cursor& src, const Cursor& dst) const override;
-    template <typename T>
-    ErrorCode OnExecute(const Cursor& src, const Cursor& dst) const;
+class TESSERA_API Any final : public BoolFold<Any<CID>, true> {
+};
+
+/// Whether a bool column has no false element.
+template <ContainerID CID>
+class TESSERA_API All final : public BoolFold<All<CID>, false> {
 };
 
 extern template class Binary<And<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template class BoolCombination<And<CONTAINER_ARRAY>, true>;
 extern template class And<CONTAINER_ARRAY>;
 extern template class Binary<Or<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template class BoolCombination<Or<CONTAINER_ARRAY>, false>;
 extern template class Or<CONTAINER_ARRAY>;
 extern template class Unary<Not<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
 extern template class Not<CONTAINER_ARRAY>;
 extern template class Unary<Any<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template class BoolFold<Any<CONTAINER_ARRAY>, true>;
 extern template class Any<CONTAINER_ARRAY>;
 extern template class Unary<All<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template class BoolFold<All<CONTAINER_ARRAY>, false>;
 extern template class All<CONTAINER_ARRAY>;
 
 } // namespace MERVO::Tessera::Func

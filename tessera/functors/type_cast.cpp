@@ -1,7 +1,5 @@
 #include "tessera/functors/type_cast.h"
 
-#include <algorithm>
-
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
 #include "tessera/core/series_cast.h"
@@ -26,8 +24,7 @@ ErrorCode RefusePair(MERVO_TESSERA_TYPEID from, MERVO_TESSERA_TYPEID to)
 
 ErrorCode CastCells(const Cursor& src, const Cursor& dst)
 {
-    const std::uint32_t length = src->Length();
-    if (length == 0) {
+    if (src->Length() == 0) {
         return ERROR_NONE; // even for pairs that are refused
     }
     const MERVO_TESSERA_TYPEID source = src->GetAttr().typeId;
@@ -36,20 +33,7 @@ ErrorCode CastCells(const Cursor& src, const Cursor& dst)
     if (cast == nullptr) {
         return RefusePair(source, target);
     }
-    CellRuns from(src);
-    CellRuns to(dst);
-    for (std::uint32_t left = std::min(length, dst->Length()); left != 0;) {
-        const std::uint32_t count = std::min({left, from.Longest(), to.Longest()});
-        const ErrorCode code = cast(from.Read(count), to.Room(), count);
-        if (code != ERROR_NONE) {
-            return code;
-        }
-        to.Written(count);
-        from.Skip(count);
-        to.Skip(count);
-        left -= count;
-    }
-    return ERROR_NONE;
+    return ForEachRun(src, dst, cast);
 }
 
 } // namespace

@@ -15,7 +15,7 @@ int32_t CastTo(MERVO_TESSERA_TYPEID type, const char* call, MERVO_TSR_CONTEXT* d
 } // namespace
 } // namespace MERVO::Tessera
 
-using MERVO::Tessera::CastTo;
+using namespace MERVO::Tessera;
 
 int32_t MERVO_TSR_TypeCast(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, MERVO_TESSERA_TYPEID type)
 {

@@ -46,8 +46,7 @@ double MeanOf(const Cursor& column, bool skipNan)
 
 using MeanEntry = double (*)(const Cursor& column, bool skipNan);
 
-constexpr auto MEANS =
-    ForEachValueType([](auto number) -> MeanEntry { return &MeanOf<ValueTypes::At<decltype(number)::value>>; });
+constexpr auto MEANS = ForEachValueType([](auto number) -> MeanEntry { return &MeanOf<ValueTypes::At<number()>>; });
 
 } // namespace
 

@@ -36,7 +36,7 @@ template <typename T>
 using MeanResult = decltype(MeanOf<T>(nullptr, true));
 
 constexpr ResultTypes RESULT_TYPES =
-    ForEachValueType([](auto number) { return TYPE_ID_OF<MeanResult<ValueTypes::At<decltype(number)::value>>>; });
+    ForEachValueType([](auto number) { return TYPE_ID_OF<MeanResult<ValueTypes::At<number()>>>; });
 
 } // namespace
 

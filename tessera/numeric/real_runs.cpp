@@ -19,7 +19,7 @@ inline constexpr bool IS_SERVED = Arithmetic<T> && (std::is_same_v<Real, double>
 
 template <typename Real>
 constexpr auto CONVERTERS = ForEachValueType([](auto number) -> void (*)(const void*, Real*, std::uint32_t) {
-    using T = ValueTypes::At<decltype(number)::value>;
+    using T = ValueTypes::At<number()>;
     if constexpr (IS_SERVED<T, Real>) {
         return &ConvertCells<T, Real>;
     } else {

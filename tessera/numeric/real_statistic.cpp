@@ -6,7 +6,7 @@ namespace MERVO::Tessera::Func {
 namespace {
 
 constexpr ResultTypes REAL_TYPES =
-    ForEachValueType([](auto number) { return TYPE_ID_OF<RealOf<ValueTypes::At<decltype(number)::value>>>; });
+    ForEachValueType([](auto number) { return TYPE_ID_OF<RealOf<ValueTypes::At<number()>>>; });
 
 } // namespace
 

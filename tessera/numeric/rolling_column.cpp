@@ -148,14 +148,7 @@ private:
             FinishWithGaps(count);
             return;
         }
-        if (run.isMean) {
-            for (std::uint32_t i = 0; i < count; ++i) {
-                sums[i] /= static_cast<Real>(window);
-            }
-        }
-        for (std::uint32_t i = 0; i < count; ++i) {
-            sums[i] = WithPlainNan(sums[i]);
-        }
+        FinishSums(sums.get(), count, run.isMean ? static_cast<Real>(window) : Real{1});
     }
 
     void FinishWithGaps(std::uint32_t count)

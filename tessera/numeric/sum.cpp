@@ -39,7 +39,7 @@ template <typename T>
 using SumResult = decltype(SumOf<T>(ListPosition<T>(), ListPosition<T>()));
 
 constexpr ResultTypes RESULT_TYPES =
-    ForEachValueType([](auto number) { return TYPE_ID_OF<SumResult<ValueTypes::At<decltype(number)::value>>>; });
+    ForEachValueType([](auto number) { return TYPE_ID_OF<SumResult<ValueTypes::At<number()>>>; });
 
 } // namespace
 

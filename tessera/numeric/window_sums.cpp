@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "tessera/numeric/first_best.h"
+#include "tessera/numeric/plain_nan.h"
 #include "tessera/platform/multiversion.h"
 
 namespace MERVO::Tessera::Func {
@@ -118,14 +119,38 @@ void PickAddWindows(
     AddWindowsHere(values, count, window, sums);
 }
 
+template <typename Real>
+[[gnu::always_inline]] inline void FinishSumsBy(Real* sums, std::size_t count, Real divisor)
+{
+    if (divisor == 1) {
+        std::transform(sums, sums + count, sums, [](Real sum) { return WithPlainNan(sum); });
+    } else {
+        std::transform(sums, sums + count, sums, [divisor](Real sum) { return WithPlainNan(sum / divisor); });
+    }
+}
+
+template <typename Real>
+TESSERA_WIDE_VECTORS void FinishSumsWide(Real* sums, std::size_t count, Real divisor)
+{
+    FinishSumsBy(sums, count, divisor);
+}
+
+template <typename Real>
+void PickFinishSums(Real* sums, std::size_t count, Real divisor)
+{
+    if (HasWideVectors()) {
+        FinishSumsWide(sums, count, divisor);
+    } else {
+        FinishSumsBy(sums, count, divisor);
+    }
+}
+
 /// The largest magnitude; any number where NaN is among the values.
 template <typename Real>
 Real LargestMagnitude(const Real* values, std::size_t count)
 {
-    const Real largest =
-        BestOf(values, values + count, Real{0}, [](const auto& value, const auto& best) { return best < value; });
-    const Real smallest =
-        BestOf(values, values + count, Real{0}, [](const auto& value, const auto& best) { return value < best; });
+    const Real largest = BestOf(values, values + count, Real{0}, IsGreater{});
+    const Real smallest = BestOf(values, values + count, Real{0}, IsLess{});
     return std::max(largest, -smallest);
 }
 
@@ -185,6 +210,10 @@ void AddWindows(const double* values, std::size_t count, std::size_t window, dou
 {
     PickAddWindows(values, count, window, sums, mayGoWide);
 }
+
+void FinishSums(float* sums, std::size_t count, float divisor) { PickFinishSums(sums, count, divisor); }
+
+void FinishSums(double* sums, std::size_t count, double divisor) { PickFinishSums(sums, count, divisor); }
 
 bool HaveExactSums(const float* values, std::size_t count, std::size_t window)
 {

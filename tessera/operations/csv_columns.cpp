@@ -1,7 +1,5 @@
 #include "tessera/operations/csv_columns.h"
 
-#include <bit>
-#include <cstring>
 #include <limits>
 #include <memory>
 #include <string>
@@ -26,13 +24,11 @@ bool FillShortInteger(std::string_view text, T& cell)
     static_assert(SHORT_TEXT < FieldColumn::FIELD_GUARD);
     const std::size_t sign = std::is_signed_v<T> && *text.data() == '-' ? 1 : 0;
     const std::size_t size = text.size() - sign;
-    if (size - 1 >= SHORT_TEXT || std::endian::native != std::endian::little) {
+    if (size - 1 >= SHORT_TEXT) {
         return false;
     }
-    std::uint64_t digits = 0;
-    std::memcpy(&digits, text.data() + sign, SHORT_TEXT);
     std::uint32_t magnitude = 0;
-    const bool isNumber = JoinDigits(digits, size, magnitude);
+    const bool isNumber = JoinShortText(LoadCharacters<SHORT_TEXT>(text.data() + sign), size, magnitude);
     const auto value = static_cast<std::int32_t>(magnitude);
     cell = static_cast<T>(sign == 0 ? value : -value);
     return isNumber;
@@ -77,8 +73,6 @@ constexpr auto CONVERSIONS = ForEachValueType([](auto number) {
     using T = ValueTypes::At<number()>;
     return Conversion{&FillCellsOf<T>, &Func::TellRefusedText<T>};
 });
-
-bool IsValueType(MERVO_TESSERA_TYPEID type) { return type >= TESSERA_TYPE_BEGIN && type < TESSERA_TYPE_END; }
 
 ErrorCode RefuseForMemory(std::size_t rows, std::size_t columns)
 {

@@ -1,4 +1,4 @@
-#include <cstdio>
+#include <algorithm>
 
 #include "tessera/core/data_frame.h"
 #include "tessera/core/element_text.h"
@@ -11,10 +11,9 @@ namespace {
 /// What stands before a column's values: its running number, value type and name.
 std::string ColumnHeading(unsigned int number, const SeriesPtr& column)
 {
-    char digits[16];
-    std::snprintf(digits, sizeof(digits), "%03u", number);
-    const std::string type = GetTypeNameById(column == nullptr ? TESSERA_INVALID : column->GetTypeId());
-    return "[" + std::string(digits) + " " + type + " ] ";
+    std::string digits = std::to_string(number);
+    digits.insert(0, digits.size() < 3 ? 3 - digits.size() : 0, '0');
+    return "[" + digits + " " + GetTypeNameById(column == nullptr ? TESSERA_INVALID : column->GetTypeId()) + " ] ";
 }
 
 } // namespace
@@ -61,9 +60,10 @@ void DataFrameView::Show(const std::string& message) const
 
 } // namespace MERVO::Tessera
 
+using namespace MERVO::Tessera;
+
 void MERVO_TSR_Show(MERVO_TSR_CONTEXT* handle)
 {
-    using namespace MERVO::Tessera;
     static_cast<void>(Guarded("MERVO_TSR_Show", [handle] {
         const DataFrameRef* table = TableBehind(handle);
         if (table == nullptr) {

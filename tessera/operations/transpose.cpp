@@ -1,9 +1,9 @@
 #include <utility>
 #include <vector>
 
-#include "tessera/core/cell_walk.h"
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
+#include "tessera/core/table_reader.h"
 #include "tessera/functors/copy_series.h"
 #include "tessera/functors/functor_factory.h"
 
@@ -39,8 +39,6 @@ DataFrame Failed(ErrorCode code, const std::string& message)
     return result;
 }
 
-DataFrame OutOfMemory() { return Failed(ERROR_OUT_OF_MEMORY, "out of memory on transposing"); }
-
 /// Why a window can't be transposed; code 0 where it can.
 Error Refusal(const DataFrameRef& table)
 {
@@ -66,7 +64,7 @@ Error Refusal(const DataFrameRef& table)
         return {ERROR_MIXED_TYPES, "dataframe is mix-type"};
     }
     const ContainerID container = table.ContainerType();
-    if (container < CONTAINER_BEGIN || container >= CONTAINER_END) {
+    if (!IsContainer(container)) {
         LogError("Container %d should be in range of [CONTAINER_BEGIN, CONTAINER_END) for transposing",
             static_cast<int>(container));
         return {ERROR_BAD_KIND, "Container Type is out of range"};
@@ -82,13 +80,12 @@ DataFrame DataFrameRef::Transpose() const
     if (refusal.code != ERROR_NONE) {
         return Failed(refusal.code, refusal.message);
     }
+    DataFrameRef rows(*this);
+    rows.SetRowIndex({0, RowCount()});
     Cursors sources;
-    for (unsigned int k = 0; k < ColumnCount(); ++k) {
-        const SeriesPtr& column = GetColumn(k);
-        sources.push_back(column->Size() < RowCount() ? nullptr : column->GetIterator(0, RowCount()));
-        if (sources.back() == nullptr) {
-            return OutOfMemory();
-        }
+    const ErrorCode opened = OpenColumns(rows, sources);
+    if (opened != ERROR_NONE) {
+        return Failed(opened, "columns can't be read on transposing");
     }
     const SeriesAttr attr = WithLength(sources.front()->GetAttr(), ColumnCount());
     Columns columns;
@@ -97,7 +94,7 @@ DataFrame DataFrameRef::Transpose() const
         columns.push_back(BuildSeries(attr, "col_" + std::to_string(row)));
         results.push_back(columns.back()->GetIterator());
         if (results.back() == nullptr) {
-            return OutOfMemory();
+            return Failed(ERROR_OUT_OF_MEMORY, "out of memory on transposing");
         }
     }
     // Cells are copied as CopySeries copies them, so a container that it does not serve is refused by its own factory.

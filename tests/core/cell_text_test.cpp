@@ -253,28 +253,14 @@ TEST(ParseNumber, NastyTexts)
 
 TEST(ParseNumber, NulEndsTheText)
 {
-    const std::string text("1\0"
-                           "2",
-        3);
-    EXPECT_EQ(ParseSigned(text).value, 1);
-    EXPECT_EQ(ParseUnsigned(text).value, 1U);
-    EXPECT_EQ(ParseDouble(text).value, 1.0);
-    EXPECT_EQ(ParseDouble(std::string("0x1\0"
-                                      "2",
-                              5))
-                  .value,
-        1.0);
-    EXPECT_EQ(ParseDouble(std::string("1.00000000000000000000000\0"
-                                      "9",
-                              27))
-                  .value,
-        1.0);
-    EXPECT_EQ(ParseSigned(std::string("\0"
-                                      "5",
-                              2))
-                  .value,
-        0);
+    const auto joined = [](const std::string& text) { return text + '\0' + "2"; };
+    EXPECT_EQ(ParseSigned(joined("1")).value, 1);
+    EXPECT_EQ(ParseUnsigned(joined("1")).value, 1U);
+    EXPECT_EQ(ParseSigned(joined("")).value, 0);
     EXPECT_EQ(ParseSigned(std::string_view()).value, 0);
+    for (const char* text : {"1", "0x1", "1.00000000000000000000000"}) {
+        EXPECT_EQ(ParseDouble(joined(text)).value, 1.0) << text;
+    }
 }
 
 // Below the smallest normal number, but nearer to it than to the next one down. Machines differ here.

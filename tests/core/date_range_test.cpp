@@ -1,7 +1,6 @@
 #include "tessera/core/date_range.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <limits>
 #include <string>
 #include <vector>
@@ -129,19 +128,6 @@ TEST(DateRange, LongestLists)
         ASSERT_EQ((stamps[i] - exact) % MODULUS, 0);
     }
     EXPECT_EQ(StampsOf({0, 999999, 0, 1, {}}).size(), 1000000U);
-}
-
-// Evenly, and never beyond the ends.
-TEST(DateRange, DividesEvenly)
-{
-    const std::vector<long> stamps = StampsOf({LOWEST, NONE - 1, 99991, NONE, {}});
-    ASSERT_EQ(stamps.size(), 99991U);
-    for (std::size_t i = 1; i < stamps.size(); ++i) {
-        const std::int64_t gap = std::int64_t{stamps[i]} - stamps[i - 1];
-        ASSERT_LE(std::abs(gap - (MODULUS - 2) / 99990), 1) << i;
-    }
-    EXPECT_EQ(stamps.front(), LOWEST);
-    EXPECT_LE(NONE - 1 - stamps.back(), 1);
 }
 
 } // namespace

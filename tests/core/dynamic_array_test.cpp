@@ -9,9 +9,6 @@
 #include <stdexcept>
 #include <vector>
 
-#include "tests/support/failing_allocation.h"
-#include "tests/support/log_capture.h"
-
 namespace MERVO::Tessera {
 namespace {
 
@@ -33,17 +30,6 @@ TEST(Block, IsWritableThroughoutWhateverItsSize)
         EXPECT_EQ(std::count(block, block + size, 0xA5), static_cast<std::ptrdiff_t>(size));
         FreeBlock(block);
     }
-}
-
-TEST(DynamicArray, WithoutABlockKeepsTheCountAndSaysSo)
-{
-    const LogCapture log;
-    const FailingAllocation failing(0, 4000);
-    const DynamicArray<std::int32_t> array(1000);
-    EXPECT_TRUE(FailingAllocation::HasFailed());
-    EXPECT_EQ(array.data, nullptr);
-    EXPECT_EQ(array.size, 1000U);
-    EXPECT_THAT(log.Texts(1), testing::ElementsAre("Failed to create dynamic array, size 1000"));
 }
 
 /// Numbers itself when it is made, and tells when it goes.

@@ -8,9 +8,10 @@
 
 #include "tessera/functors/copy_series.h"
 #include "tessera/functors/functor_factory.h"
-#include "tests/core/own_handle.h"
 #include "tests/support/failing_allocation.h"
+#include "tests/support/handle.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/sample_columns.h"
 
 namespace MERVO::Tessera {
 namespace {
@@ -94,14 +95,14 @@ TYPED_TEST(LoadedValuesOf, ComeBackFromATable)
     }
     const std::vector<MERVO_TESSERA_TYPEID> types(3, TYPE_ID_OF<T>);
     const MERVO_TSR_SHAPE shape{4, 3, types.data()};
-    const Handle handle = NewTable();
+    const Handle handle;
     for (int time = 0; time < 2; ++time) { // a second load replaces the first
-        ASSERT_EQ(CALLS_OF<T>.load(handle.get(), buffer.get(), &shape), 0);
-        EXPECT_EQ(handle->dataFrame->Type(), TYPE_ID_OF<T>);
-        EXPECT_EQ(handle->dataFrame->ContainerType(), CONTAINER_ARRAY);
-        EXPECT_THAT(handle->dataFrame->GetColumnName(), ElementsAre("col_0", "col_1", "col_2"));
+        ASSERT_EQ(CALLS_OF<T>.load(handle.Get(), buffer.get(), &shape), 0);
+        EXPECT_EQ(handle.Table().Type(), TYPE_ID_OF<T>);
+        EXPECT_EQ(handle.Table().ContainerType(), CONTAINER_ARRAY);
+        EXPECT_THAT(handle.Table().GetColumnName(), ElementsAre("col_0", "col_1", "col_2"));
         Result<T> result(4, 3);
-        ASSERT_EQ(CALLS_OF<T>.read(handle.get(), &result.record), 0);
+        ASSERT_EQ(CALLS_OF<T>.read(handle.Get(), &result.record), 0);
         EXPECT_EQ(result.record.rowCount, 4U);
         EXPECT_EQ(result.record.colCount, 3U);
         EXPECT_EQ(result.Cells(12), values) << "row-major in, row by row out";
@@ -114,16 +115,16 @@ TYPED_TEST(ValuesOf, AreReadFromTablesAndWindowsOfBothContainers)
     const std::vector<T> values = SampleValues<T>(10);
     const std::vector<T> left(values.begin(), values.begin() + 5);
     const std::vector<T> right(values.begin() + 5, values.end());
-    const Handle table = HandleOfTable(TableOf(Column<T>("l", left), Column<T>("r", right, CONTAINER_LIST)));
-    const Handle window = HandleOf(table->dataFrame->Slice({1, 4}, {0, 2}));
+    const Handle table(TableOf(Column<T>("l", left), Column<T>("r", right, CONTAINER_LIST)));
+    const Handle window(table.Table().Slice({1, 4}, {0, 2}));
     Result<T> result(3, 2);
-    ASSERT_EQ(CALLS_OF<T>.read(window.get(), &result.record), 0);
+    ASSERT_EQ(CALLS_OF<T>.read(window.Get(), &result.record), 0);
     EXPECT_EQ(result.record.rowCount, 3U);
     EXPECT_EQ(result.record.colCount, 2U);
     EXPECT_TRUE(AreSame(result.Cells(6), {values[1], values[6], values[2], values[7], values[3], values[8]}));
 
     // What was read is the caller's: cells that change later don't show in it.
-    ASSERT_TRUE(SetValueToIterator<T>(table->dataFrame->GetColumn(0)->GetIterator(), values[9], 1));
+    ASSERT_TRUE(SetValueToIterator<T>(table.Table().GetColumn(0)->GetIterator(), values[9], 1));
     EXPECT_TRUE(IsSame<T>(result.Cells(1)[0], values[1]));
 }
 
@@ -136,10 +137,10 @@ TYPED_TEST(ValuesOf, AreNotReadFromOtherTypes)
     const DataFrame mixed = TableOf(
         Column<T>("a", SampleValues<T>(2)), isInt ? Column<double>("b", {1, 2}) : Column<std::int32_t>("b", {1, 2}));
     for (const DataFrame* table : {isInt ? &doubles : &ints, &mixed}) {
-        const Handle handle = HandleOf(*table);
+        const Handle handle(*table);
         Result<T> result(2, 2);
         const LogCapture log;
-        EXPECT_EQ(CALLS_OF<T>.read(handle.get(), &result.record), 0) << "succeeds in silence";
+        EXPECT_EQ(CALLS_OF<T>.read(handle.Get(), &result.record), 0) << "succeeds in silence";
         EXPECT_EQ(result.record.rowCount, 2U);
         EXPECT_EQ(result.record.colCount, 2U);
         EXPECT_TRUE(AreSame(result.Cells(4), std::vector<T>(4)));
@@ -177,22 +178,22 @@ TYPED_TEST(ValuesOf, ReaderRefusesNullsAndUnfitHandles)
 
 TEST(Readers, ServeTablesWithoutRowsAndFailedOnes)
 {
-    const Handle empty = NewTable();
+    const Handle empty;
     MERVO_TSR_RESULT result{nullptr, 77, 88};
     const LogCapture log;
-    EXPECT_EQ(MERVO_TSR_GetResultInt32(empty.get(), &result), 0);
+    EXPECT_EQ(MERVO_TSR_GetResultInt32(empty.Get(), &result), 0);
     EXPECT_EQ(result.rowCount, 0U);
     EXPECT_EQ(result.colCount, 0U);
 
-    const Handle noRows = HandleOfTable(TableOf(Column<std::int32_t>("a", {})));
-    EXPECT_EQ(MERVO_TSR_GetResultInt32(noRows.get(), &result), 0);
+    const Handle noRows(TableOf(Column<std::int32_t>("a", {})));
+    EXPECT_EQ(MERVO_TSR_GetResultInt32(noRows.Get(), &result), 0);
     EXPECT_EQ(result.rowCount, 0U);
     EXPECT_EQ(result.colCount, 1U);
 
-    const Handle failed = HandleOfTable(TableOf(Column<std::int32_t>("a", {5})));
-    failed->dataFrame->SetError({9, "failed"});
+    const Handle failed(TableOf(Column<std::int32_t>("a", {5})));
+    failed.Table().SetError({9, "failed"});
     Result<std::int32_t> cells(1, 1);
-    EXPECT_EQ(MERVO_TSR_GetResultInt32(failed.get(), &cells.record), 0);
+    EXPECT_EQ(MERVO_TSR_GetResultInt32(failed.Get(), &cells.record), 0);
     EXPECT_EQ(cells.record.rowCount, 1U);
     EXPECT_THAT(cells.Cells(1), ElementsAre(0));
     EXPECT_TRUE(log.Has(1, "Invalid dataFrame 9 to 2d vector"));
@@ -200,13 +201,13 @@ TEST(Readers, ServeTablesWithoutRowsAndFailedOnes)
 
 TEST(Readers, RefuseAWindowWhoseColumnsGotShorter)
 {
-    const Handle table = HandleOfTable(TableOf(Column<std::int32_t>("a", {5, 6, 7})));
-    const Handle window = HandleOf((*table->dataFrame)[2U]);
+    const Handle table(TableOf(Column<std::int32_t>("a", {5, 6, 7})));
+    const Handle window(table.Table()[2U]);
     const DataFrame shorter = TableOf(Column<std::int32_t>("a", {9, 8}));
-    ASSERT_EQ(table->dataFrame->ApplyInplace(Func::FunctorFactory<Func::CopySeries, Func::UnaryBase>{}, shorter), 0);
+    ASSERT_EQ(table.Table().ApplyInplace(Func::FunctorFactory<Func::CopySeries, Func::UnaryBase>{}, shorter), 0);
     Result<std::int32_t> result(1, 1);
     const LogCapture log;
-    EXPECT_EQ(MERVO_TSR_GetResultInt32(window.get(), &result.record), 5);
+    EXPECT_EQ(MERVO_TSR_GetResultInt32(window.Get(), &result.record), 5);
     EXPECT_THAT(log.Texts(1), ElementsAre("Column 0 of the window can't be read"));
     EXPECT_THAT(result.Cells(1), ElementsAre(0));
 }
@@ -229,11 +230,11 @@ TEST(Handle, IsMadeEmptyAndReleasedOnce)
 
 TEST(Handle, OfAWindowKeepsTheColumns)
 {
-    MERVO_TSR_CONTEXT* table = HandleOfTable(TableOf(Column<std::int32_t>("a", {5, 6, 7}))).release();
-    const Handle window = HandleOf((*table->dataFrame)[DataFrame::Range{1, 3}]);
-    ASSERT_EQ(MERVO_TSR_Release(&table), 0);
+    auto table = std::make_unique<Handle>(TableOf(Column<std::int32_t>("a", {5, 6, 7})));
+    const Handle window(table->Table()[DataFrame::Range{1, 3}]);
+    table.reset();
     Result<std::int32_t> result(2, 1);
-    EXPECT_EQ(MERVO_TSR_GetResultInt32(window.get(), &result.record), 0);
+    EXPECT_EQ(MERVO_TSR_GetResultInt32(window.Get(), &result.record), 0);
     EXPECT_THAT(result.Cells(2), ElementsAre(6, 7));
 }
 
@@ -262,19 +263,17 @@ TEST(Handle, IsTestedForWhatItHolds)
 TEST(Handle, IsNotMadeWithoutMemory)
 {
     const LogCapture log;
-    for (unsigned int spared = 0;; ++spared) {
+    for (AllocationRounds rounds; rounds.Next();) {
         MERVO_TSR_CONTEXT* handle = nullptr;
         {
-            const FailingAllocation failing(spared);
+            const FailingAllocation failing(rounds.Spared());
             handle = MERVO_TSR_CreateDF();
         }
-        if (!FailingAllocation::HasFailed()) {
-            EXPECT_GE(spared, 2U);
-            EXPECT_EQ(MERVO_TSR_Release(&handle), 0);
-            break;
-        }
-        EXPECT_EQ(handle, nullptr) << "allocation " << spared;
-        EXPECT_EQ(log.Has(1, "[MERVO_TSR_CreateDF] Create MERVO_TSR_CONTEXT dataframe failed"), spared != 0);
+        ASSERT_EQ(handle == nullptr, FailingAllocation::HasFailed()) << "allocation " << rounds.Spared();
+        const bool isOfTable = log.Has(1, "[MERVO_TSR_CreateDF] Create MERVO_TSR_CONTEXT dataframe failed");
+        EXPECT_EQ(isOfTable, rounds.Spared() != 0);
+        const bool isMade = handle != nullptr;
+        EXPECT_EQ(MERVO_TSR_Release(&handle), isMade ? 0 : 33);
     }
     EXPECT_TRUE(log.Has(1, "[MERVO_TSR_CreateDF] Create MERVO_TSR_CONTEXT failed"));
 }
@@ -282,24 +281,17 @@ TEST(Handle, IsNotMadeWithoutMemory)
 TEST(Readers, SurviveWantOfMemoryAnywhere)
 {
     const std::vector<std::string> texts(20, std::string(100, 'x'));
-    const Handle table = HandleOfTable(TableOf(Column<std::string>("a", texts), Column<std::string>("b", texts)));
-    bool isDone = false;
-    for (unsigned int spared = 0; !isDone; ++spared) {
+    const Handle table(TableOf(Column<std::string>("a", texts), Column<std::string>("b", texts)));
+    for (AllocationRounds rounds; rounds.Next();) {
         Result<std::string> result(20, 2);
         int32_t code = 0;
         {
-            const FailingAllocation failing(spared);
-            code = MERVO_TSR_GetResultString(table.get(), &result.record);
+            const FailingAllocation failing(rounds.Spared());
+            code = MERVO_TSR_GetResultString(table.Get(), &result.record);
         }
-        isDone = !FailingAllocation::HasFailed();
-        ASSERT_EQ(table->dataFrame->GetError().code, 0);
-        if (isDone) {
-            EXPECT_EQ(code, 0);
-            EXPECT_EQ(result.Cells(40), std::vector<std::string>(40, texts[0]));
-            EXPECT_GT(spared, 40U);
-        } else {
-            ASSERT_EQ(code, 3) << "allocation " << spared;
-        }
+        ASSERT_EQ(code, FailingAllocation::HasFailed() ? 3 : 0) << "allocation " << rounds.Spared();
+        ASSERT_TRUE(code != 0 || result.Cells(40) == std::vector<std::string>(40, texts[0]));
+        ASSERT_EQ(table.Table().GetError().code, 0);
     }
 }
 

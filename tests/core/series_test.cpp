@@ -177,18 +177,6 @@ TEST(Series, WithoutMemoryForTheColumnOrACursor)
     EXPECT_EQ(column->GetIterator(), nullptr);
 }
 
-#if SIZE_MAX == UINT32_MAX
-// More bytes than an address can count: the size calculation itself must not throw.
-TEST(Series, TooLongForTheAddressSpaceGivesNoCursor)
-{
-    for (const MERVO_TESSERA_TYPEID type : {TESSERA_INT16, TESSERA_DOUBLE, TESSERA_STRING, TESSERA_DATAFRAME}) {
-        const SeriesPtr column = BuildSeries({0xFFFFFFFFU, CONTAINER_ARRAY, type}, {});
-        EXPECT_EQ(column->GetTypeId(), type);
-        EXPECT_EQ(column->GetIterator(), nullptr);
-    }
-}
-#endif
-
 TEST(BitCursor, AddressesBitsLowestFirst)
 {
     const SeriesPtr column = BuildSeries({20, CONTAINER_ARRAY, TESSERA_BOOL}, {});

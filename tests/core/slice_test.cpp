@@ -185,6 +185,17 @@ TEST(Window, SetToNonsenseAnswersWithCodes)
     }
 }
 
+TEST(Window, ClaimingMoreRowsThanMemoryHasIsRefusedBeforeRoomIsMade)
+{
+    const DataFrame table = Letters();
+    DataFrameRef window(table);
+    window.SetRowIndex({0, ALL});
+    const LogCapture log;
+    EXPECT_THAT(Flat(window), IsEmpty());
+    EXPECT_THAT(window.ToVector<std::int32_t>(), IsEmpty());
+    EXPECT_EQ(window.Transpose().GetError().code, 6);
+}
+
 // A table that receives results changes the columns under its older slices.
 TEST(StaleWindow, AnswersWithACodeOnceTheColumnsGotShorterOrFewer)
 {

@@ -222,13 +222,10 @@ void AddCasts(Digest& digest)
     }
 }
 
+/// What each of some functors makes of columns of random cells.
 template <typename T>
-void AddReductions(Digest& digest)
+void AddResults(Digest& digest, const std::vector<UnaryFactory>& makers)
 {
-    using namespace Func;
-    const UnaryFactory makers[] = {FunctorFactory<Sum, UnaryBase>{}, FunctorFactory<Mean, UnaryBase>{},
-        FunctorFactory<Max, UnaryBase>{}, FunctorFactory<Min, UnaryBase>{}, FunctorFactory<Ptp, UnaryBase>{},
-        FunctorFactory<IdxMax, UnaryBase>{}};
     for (const unsigned int rows : {1U, 2U, 7U, 64U, 1000U}) {
         const DataFrame source = RandomTable<T>(rows, 5);
         for (const UnaryFactory& make : makers) {
@@ -257,10 +254,28 @@ TEST_F(Digests, OfCasts)
 
 TEST_F(Digests, OfReductions)
 {
-    ForEachFlatType([]<typename T>(std::type_identity<T>) {
+    using namespace Func;
+    const std::vector<UnaryFactory> makers{FunctorFactory<Sum, UnaryBase>{}, FunctorFactory<Mean, UnaryBase>{},
+        FunctorFactory<Max, UnaryBase>{}, FunctorFactory<Min, UnaryBase>{}, FunctorFactory<Ptp, UnaryBase>{},
+        FunctorFactory<IdxMax, UnaryBase>{}};
+    ForEachFlatType([&makers]<typename T>(std::type_identity<T>) {
         Digest digest;
-        AddReductions<T>(digest);
+        AddResults<T>(digest, makers);
         Settle("reduce_" + GetTypeNameById(TYPE_ID_OF<T>), digest);
+    });
+}
+
+TEST_F(Digests, OfMissingValues)
+{
+    using namespace Func;
+    const std::vector<UnaryFactory> makers{FunctorFactory<IsNan, UnaryBase>{}, FunctorFactory<IsNanInt, UnaryBase>{},
+        FunctorFactory<FillNan, UnaryBase, const char*>{"ffill"},
+        FunctorFactory<FillNan, UnaryBase, const char*>{"bfill"},
+        FunctorFactory<ReplaceNan, UnaryBase, const char*>{"0.1"}, FunctorFactory<Interpolate, UnaryBase>{}};
+    ForEachFlatType([&makers]<typename T>(std::type_identity<T>) {
+        Digest digest;
+        AddResults<T>(digest, makers);
+        Settle("missing_" + GetTypeNameById(TYPE_ID_OF<T>), digest);
     });
 }
 

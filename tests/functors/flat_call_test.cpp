@@ -84,8 +84,7 @@ TEST(FlatCall, SurvivesWantOfMemoryAnywhere)
     const std::vector<std::string> texts = SampleValues<std::string>(9);
     const Func::FunctorFactory<Func::CopySeries, Func::UnaryBase> copy;
     for (const bool isWindow : {false, true}) {
-        bool isDone = false;
-        for (unsigned int spared = 0; !isDone; ++spared) {
+        for (AllocationRounds rounds; rounds.Next();) {
             DataFrame table = TableOf(Column<std::string>("a", texts), Column<std::string>("b", texts));
             DataFrame source = TableOf(Column<std::string>("c", texts), Column<std::string>("d", texts));
             DataFrameRef left(table);
@@ -93,17 +92,15 @@ TEST(FlatCall, SurvivesWantOfMemoryAnywhere)
             MERVO_TSR_CONTEXT src{isWindow ? &table : &source, nullptr};
             std::int32_t code = 0;
             {
-                const FailingAllocation failing(spared);
+                const FailingAllocation failing(rounds.Spared());
                 code = ApplyUnary("call", &dst, &src, copy);
             }
-            isDone = !FailingAllocation::HasFailed();
-            ASSERT_EQ(code == 0, isDone) << "allocation " << spared << " gave " << code;
+            ASSERT_EQ(code == 0, !FailingAllocation::HasFailed()) << "allocation " << rounds.Spared();
             // The handle can be asked and loaded again, whatever it holds.
             static_cast<void>(table.GetColumnName());
             static_cast<void>(table.To1DVector<std::string>());
             table = source;
             ASSERT_EQ(table.To1DVector<std::string>(), source.To1DVector<std::string>());
-            ASSERT_LT(spared, 500U);
         }
     }
 }

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "tessera/functors/element_walk.h"
+#include "tessera/functors/functor_base.h"
 #include "tests/support/sample_columns.h"
 
 /// Columns, and the ways in which they meet, for tests of functors from two sources.
@@ -139,6 +140,39 @@ bool HasSameBits(const T& left, const T& right)
         return std::bit_cast<BitsOf<T>>(left) == std::bit_cast<BitsOf<T>>(right);
     } else {
         return IsSame<T>(left, right);
+    }
+}
+
+/// Where the windows of left operand, right operand and result begin in their columns.
+using Leads = std::array<std::uint32_t, 3>;
+
+/// Runs a functor between windows in the middle of columns of T, and holds all cells of the result's column of R
+/// against model(left cell, right cell). The operands stay as they were.
+/// @param copiesFirst one row on the left of several gives as many copies of the first result.
+template <typename T, typename R, typename Model>
+void CheckAgainstModel(const Func::BinaryBase& functor, Lengths lengths, const Containers& containers,
+    const Leads& leads, Random& random, Model&& model, bool copiesFirst = false)
+{
+    const Surrounded<T> left(random, leads[0], lengths.left, containers[0]);
+    const Surrounded<T> right(random, leads[1], lengths.right, containers[1]);
+    const Surrounded<R> result(random, leads[2], lengths.Result(), containers[2]);
+    const Error outcome = functor.ProcessSeries(left.Window(), right.Window(), result.Window());
+    ASSERT_EQ(outcome.code, 0) << outcome.message;
+    std::vector<R> expected = result.CellsBefore();
+    for (std::uint32_t i = 0; i < lengths.Result(); ++i) {
+        const bool isRightFirst = lengths.right == 1 || (copiesFirst && lengths.left == 1);
+        expected[leads[2] + i] = model(left.Cell(lengths.left == 1 ? 0 : i), right.Cell(isRightFirst ? 0 : i));
+    }
+    const std::vector<R> cells = result.CellsNow();
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        ASSERT_TRUE(HasSameBits<R>(cells[i], expected[i]))
+            << functor.GetName() << " of " << lengths.left << " and " << lengths.right << " at " << leads[0] << ", "
+            << leads[1] << ", " << leads[2] << ": cell " << i;
+    }
+    for (const Surrounded<T>* operand : {&left, &right}) {
+        const std::vector<T> before = operand->CellsBefore();
+        const std::vector<T> now = operand->CellsNow();
+        ASSERT_TRUE(std::equal(before.begin(), before.end(), now.begin(), now.end(), HasSameBits<T>));
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <numeric>
 
@@ -140,6 +141,35 @@ inline std::vector<std::vector<std::int32_t>> ColumnsOf(const DataFrameRef& tabl
     }
     return columns;
 }
+
+/// What ScriptedMinus makes of two tables; a single column meets each of the other side.
+inline std::vector<std::vector<std::int32_t>> DifferenceOf(const DataFrameRef& lhs, const DataFrameRef& rhs)
+{
+    const auto left = ColumnsOf(lhs);
+    const auto right = ColumnsOf(rhs);
+    std::vector<std::vector<std::int32_t>> columns(std::max(left.size(), right.size()));
+    for (std::size_t k = 0; k < columns.size(); ++k) {
+        for (std::size_t r = 0; r < left[0].size(); ++r) {
+            columns[k].push_back(left[left.size() == 1 ? 0 : k][r] - right[right.size() == 1 ? 0 : k][r]);
+        }
+    }
+    return columns;
+}
+
+/// Unfolds a number into choices, for tests that go through all of them.
+class Choices {
+public:
+    explicit Choices(unsigned int number) : rest(number) {}
+    unsigned int Next(unsigned int count)
+    {
+        const unsigned int choice = rest % count;
+        rest /= count;
+        return choice;
+    }
+
+private:
+    unsigned int rest;
+};
 
 inline DataFrame FailedTable(ErrorCode code)
 {

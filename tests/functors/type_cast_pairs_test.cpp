@@ -1,5 +1,3 @@
-#include <array>
-#include <bit>
 #include <cinttypes>
 #include <cmath>
 #include <cstdio>
@@ -13,12 +11,10 @@
 
 #include "tessera/tessera.hpp"
 #include "tests/support/log_capture.h"
-#include "tests/support/sample_columns.h"
+#include "tests/support/same_tables.h"
 
 namespace MERVO::Tessera {
 namespace {
-
-using Texts = std::vector<std::string>;
 
 // ---- Cells that lie at the ends of types, at the bounds of rules, and at the limits of the quick roads
 
@@ -63,53 +59,6 @@ std::vector<T> Samples()
         DataFrame texts;
         EXPECT_EQ(texts.ReadVector<std::string>({"cell"}, {1, 1}), 0);
         return {numbers, texts, numbers};
-    }
-}
-
-// ---- How cells look, to be compared whatever their type
-
-template <typename T>
-std::string Show(const T& value);
-
-template <typename T>
-Texts ShowCells(const Cursor& cursor)
-{
-    Texts texts;
-    Func::ForEachElement<T>(cursor, [&texts](const auto& value) { texts.push_back(Show<T>(value)); });
-    return texts;
-}
-
-std::string ShowTable(const DataFrame& table)
-{
-    static constexpr auto SHOW_CELLS =
-        ForEachValueType([](auto number) { return &ShowCells<ValueTypes::At<number()>>; });
-    std::string shown = std::to_string(table.RowCount()) + " rows, code " + std::to_string(table.GetError().code);
-    for (unsigned int k = 0; k < table.ColumnCount(); ++k) {
-        const SeriesPtr& column = table.GetColumn(k);
-        shown += " " + column->GetName() + " of " + GetTypeNameById(column->GetTypeId()) + ":";
-        for (const std::string& cell :
-            SHOW_CELLS[static_cast<std::size_t>(column->GetTypeId())](table.GetSlicedIterator(column))) {
-            shown += " " + cell;
-        }
-    }
-    return shown;
-}
-
-template <typename T>
-std::string Show(const T& value)
-{
-    if constexpr (std::is_same_v<T, float>) {
-        return std::to_string(value) + " " + std::to_string(std::bit_cast<std::uint32_t>(value));
-    } else if constexpr (std::is_same_v<T, double>) {
-        return std::to_string(value) + " " + std::to_string(std::bit_cast<std::uint64_t>(value));
-    } else if constexpr (std::is_arithmetic_v<T>) {
-        return std::to_string(value);
-    } else if constexpr (std::is_same_v<T, std::string>) {
-        return value;
-    } else if constexpr (std::is_same_v<T, DateTime>) {
-        return std::to_string(value.TimeStamp());
-    } else {
-        return ShowTable(value);
     }
 }
 
@@ -182,37 +131,29 @@ D ExpectedParse(const std::string& text)
 }
 
 template <typename S, typename D>
-std::string ExpectedCell(const S& value)
+inline constexpr bool IS_REFUSED = (std::is_same_v<S, bool> && std::is_same_v<D, DateTime>) ||
+    (std::is_same_v<S, DataFrame> && !std::is_same_v<D, DataFrame>);
+
+template <typename S, typename D>
+D ExpectedCell(const S& value)
 {
     if constexpr (std::is_same_v<S, D>) {
-        return Show<D>(value);
+        return value;
     } else if constexpr (std::is_same_v<D, DataFrame>) {
-        return "1 rows, code 0 col_0 of " + std::string(TypeTraitsImpl<S>::name) + ": " + Show<S>(value);
-    } else if constexpr (std::is_same_v<S, DataFrame>) {
-        return "no such cast";
+        return TableOf(Column<S>("col_0", {value}));
     } else if constexpr (std::is_same_v<S, std::string>) {
-        return Show<D>(ExpectedParse<D>(value));
+        return ExpectedParse<D>(value);
     } else if constexpr (std::is_same_v<S, DateTime> && std::is_same_v<D, std::string>) {
         return value.ToString();
     } else if constexpr (std::is_same_v<S, DateTime>) {
-        return Show<D>(ExpectedNumber<D>(static_cast<std::int32_t>(value.TimeStamp())));
+        return ExpectedNumber<D>(static_cast<std::int32_t>(value.TimeStamp()));
     } else if constexpr (std::is_same_v<D, DateTime>) {
-        return Show<std::int32_t>(ExpectedNumber<std::int32_t>(value));
+        return DateTime(ExpectedNumber<std::int32_t>(value));
     } else if constexpr (std::is_same_v<D, std::string>) {
         return ExpectedText(value);
     } else {
-        return Show<D>(ExpectedNumber<D>(value));
+        return ExpectedNumber<D>(value);
     }
-}
-
-template <typename S, typename D>
-Texts ExpectedCells()
-{
-    Texts texts;
-    for (const S& value : Samples<S>()) {
-        texts.push_back(ExpectedCell<S, D>(value));
-    }
-    return texts;
 }
 
 // ---- All pairs
@@ -228,24 +169,6 @@ SeriesPtr SampleColumn(std::uint32_t length, ContainerID container)
     return column;
 }
 
-struct TypeCase {
-    SeriesPtr (*column)(std::uint32_t length, ContainerID container);
-    Texts (*show)(const Cursor& cursor);
-    std::array<Texts (*)(), ValueTypes::COUNT> expected; ///< by target: what the samples become
-};
-
-constexpr auto TYPE_CASES = ForEachValueType([](auto number) {
-    using S = ValueTypes::At<number()>;
-    return TypeCase{&SampleColumn<S>, &ShowCells<S>,
-        ForEachValueType([](auto target) { return &ExpectedCells<S, ValueTypes::At<target()>>; })};
-});
-
-bool IsRefused(MERVO_TESSERA_TYPEID source, MERVO_TESSERA_TYPEID target)
-{
-    return (source == TESSERA_BOOL && target == TESSERA_DATETIME) ||
-        (source == TESSERA_DATAFRAME && target != TESSERA_DATAFRAME);
-}
-
 Error Cast(const Cursor& src, const Cursor& dst, MERVO_TESSERA_TYPEID target)
 {
     return Func::TypeCast<CONTAINER_ARRAY, MERVO_TESSERA_TYPEID>(target).ProcessSeries(src, dst, true);
@@ -259,41 +182,34 @@ struct Window {
     std::uint32_t targetEnd;
 };
 
-class TypeCastPair : public testing::TestWithParam<std::tuple<int, int>> {
-protected:
-    const MERVO_TESSERA_TYPEID source = static_cast<MERVO_TESSERA_TYPEID>(std::get<0>(GetParam()));
-    const MERVO_TESSERA_TYPEID target = static_cast<MERVO_TESSERA_TYPEID>(std::get<1>(GetParam()));
-    const TypeCase& from = TYPE_CASES[static_cast<std::size_t>(source)];
-    const TypeCase& to = TYPE_CASES[static_cast<std::size_t>(target)];
-
-    void CheckWindow(const Window& window, std::uint32_t length, ContainerID sourceKind, ContainerID targetKind)
-    {
-        const SeriesPtr sourceColumn = from.column(length, sourceKind);
-        const SeriesPtr targetColumn = to.column(length, targetKind);
-        Texts wanted = to.show(targetColumn->GetIterator());
-        const Texts becomes = from.expected[static_cast<std::size_t>(target)]();
-        const std::uint32_t count =
-            std::min(window.sourceEnd - window.sourceBegin, window.targetEnd - window.targetBegin);
-        for (std::uint32_t i = 0; i < count; ++i) {
-            wanted[window.targetBegin + i] = becomes[(window.sourceBegin + i) % becomes.size()];
-        }
-        const Error error = Cast(sourceColumn->GetIterator(window.sourceBegin, window.sourceEnd),
-            targetColumn->GetIterator(window.targetBegin, window.targetEnd), target);
-        EXPECT_EQ(error.code, 0) << error.message;
-        EXPECT_EQ(to.show(targetColumn->GetIterator()), wanted)
-            << "containers " << sourceKind << " to " << targetKind << ", rows from " << window.sourceBegin << " to "
-            << window.targetBegin;
-    }
-};
-
-TEST_P(TypeCastPair, AgreesWithTheOracleInBothContainersAndInWindows)
+template <typename S, typename D>
+void CheckWindow(const Window& window, std::uint32_t length, ContainerID sourceKind, ContainerID targetKind)
 {
-    if (IsRefused(source, target)) {
-        return;
+    const SeriesPtr source = SampleColumn<S>(length, sourceKind);
+    const SeriesPtr target = SampleColumn<D>(length, targetKind);
+    const std::vector<S> samples = Samples<S>();
+    std::vector<D> wanted = CellsOf<D>(target->GetIterator());
+    const std::uint32_t count = std::min(window.sourceEnd - window.sourceBegin, window.targetEnd - window.targetBegin);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        wanted[window.targetBegin + i] = ExpectedCell<S, D>(samples[(window.sourceBegin + i) % samples.size()]);
     }
+    const Error error = Cast(source->GetIterator(window.sourceBegin, window.sourceEnd),
+        target->GetIterator(window.targetBegin, window.targetEnd), TYPE_ID_OF<D>);
+    ASSERT_EQ(error.code, 0) << error.message;
+    const std::vector<D> cells = CellsOf<D>(target->GetIterator());
+    for (std::uint32_t i = 0; i < length; ++i) {
+        ASSERT_TRUE(IsSameCell<D>(cells[i], wanted[i]))
+            << "to " << TypeTraitsImpl<D>::name << ", containers " << sourceKind << " to " << targetKind << ", rows "
+            << window.sourceBegin << " to " << window.targetBegin << ", cell " << i;
+    }
+}
+
+template <typename S, typename D>
+void CheckConversion()
+{
     // Bits pass through a buffer of 512.
-    const bool hasBits = source == TESSERA_BOOL || target == TESSERA_BOOL;
-    const std::uint32_t length = hasBits && source + target < TESSERA_DATAFRAME ? 600 : 64;
+    constexpr bool HAS_BITS = std::is_same_v<S, bool> || std::is_same_v<D, bool>;
+    const std::uint32_t length = HAS_BITS && !std::is_same_v<D, DataFrame> ? 600 : 64;
     const Window windows[] = {
         {0, length, 0, length},
         {3, length - 6, 5, length - 4},
@@ -305,43 +221,52 @@ TEST_P(TypeCastPair, AgreesWithTheOracleInBothContainersAndInWindows)
     for (const Window& window : windows) {
         for (const ContainerID sourceKind : BOTH_CONTAINERS) {
             for (const ContainerID targetKind : BOTH_CONTAINERS) {
-                CheckWindow(window, length, sourceKind, targetKind);
+                CheckWindow<S, D>(window, length, sourceKind, targetKind);
             }
         }
     }
 }
 
-TEST_P(TypeCastPair, RefusesWhatHasNoConversionUnlessTheSourceIsEmpty)
+template <typename S, typename D>
+void CheckRefusal()
 {
-    if (!IsRefused(source, target)) {
-        return;
-    }
-    const char* const message = source == TESSERA_BOOL ? "cannot cast bool to datetime"
-        : target == TESSERA_BOOL                       ? "Type dataframe cannot cast to Type bool."
-                                                       : "cannot cast dataframe to other types except dataframe";
+    const char* const message = std::is_same_v<S, bool> ? "cannot cast bool to datetime"
+        : std::is_same_v<D, bool>                       ? "Type dataframe cannot cast to Type bool."
+                                                        : "cannot cast dataframe to other types except dataframe";
     for (const ContainerID container : BOTH_CONTAINERS) {
-        const SeriesPtr sourceColumn = from.column(5, container);
-        const SeriesPtr targetColumn = to.column(5, container);
-        const Texts before = to.show(targetColumn->GetIterator());
-        LogCapture log;
-        const Error fine = Cast(sourceColumn->GetIterator(2, 2), targetColumn->GetIterator(), target);
-        EXPECT_EQ(fine.code, 0);
-        EXPECT_EQ(log.Count(), 0U);
-        const Error error = Cast(sourceColumn->GetIterator(4, 5), targetColumn->GetIterator(), target);
+        const SeriesPtr source = SampleColumn<S>(5, container);
+        const SeriesPtr target = SampleColumn<D>(5, container);
+        const std::vector<D> before = CellsOf<D>(target->GetIterator());
+        const LogCapture log;
+        EXPECT_EQ(Cast(source->GetIterator(2, 2), target->GetIterator(), TYPE_ID_OF<D>).code, 0);
+        EXPECT_EQ(log.Count(), 0U) << "of an empty source";
+        const Error error = Cast(source->GetIterator(4, 5), target->GetIterator(), TYPE_ID_OF<D>);
         EXPECT_EQ(error.code, 1);
         EXPECT_EQ(error.message, "Error on calling functor: TypeCast");
         EXPECT_THAT(log.Texts(1), testing::ElementsAre(message));
-        EXPECT_EQ(Cast(sourceColumn->GetIterator(), targetColumn->GetIterator(3, 3), target).code, 1);
-        EXPECT_EQ(to.show(targetColumn->GetIterator()), before);
+        EXPECT_EQ(Cast(source->GetIterator(), target->GetIterator(3, 3), TYPE_ID_OF<D>).code, 1);
+        const std::vector<D> after = CellsOf<D>(target->GetIterator());
+        EXPECT_TRUE(std::equal(before.begin(), before.end(), after.begin(), IsSameCell<D>));
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Types, TypeCastPair,
-    testing::Combine(testing::Range(0, int{TESSERA_TYPE_END}), testing::Range(0, int{TESSERA_TYPE_END})),
-    [](const auto& pair) {
-        return GetTypeNameById(static_cast<MERVO_TESSERA_TYPEID>(std::get<0>(pair.param))) + "_to_" +
-            GetTypeNameById(static_cast<MERVO_TESSERA_TYPEID>(std::get<1>(pair.param)));
-    });
+template <typename S>
+class TypeCastFrom : public testing::Test {
+};
+TYPED_TEST_SUITE(TypeCastFrom, AllValueTypes);
+
+TYPED_TEST(TypeCastFrom, ToEachTypeAgreesWithTheOracleOrIsRefused)
+{
+    const auto check = []<typename D>(std::type_identity<D>) {
+        if constexpr (IS_REFUSED<TypeParam, D>) {
+            CheckRefusal<TypeParam, D>();
+        } else {
+            CheckConversion<TypeParam, D>();
+        }
+    };
+    [&]<std::size_t... I>(std::index_sequence<I...>) { (check(std::type_identity<ValueTypes::At<I>>{}), ...); }
+    (std::make_index_sequence<ValueTypes::COUNT>{});
+}
 
 } // namespace
 } // namespace MERVO::Tessera

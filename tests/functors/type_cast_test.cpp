@@ -104,58 +104,6 @@ TEST(TypeCast, RefusesBlanksAsATime)
     EXPECT_TRUE(AreSame<DateTime>(CellsOf<DateTime>(target->GetIterator()), {DateTime(0), DateTime(6), DateTime(7)}));
 }
 
-// ---- Laws
-
-template <typename T>
-class CastOfIntegers : public testing::Test {
-};
-
-using Integers = testing::Types<std::int8_t, std::uint8_t, std::int16_t, std::uint16_t, std::int32_t, std::uint32_t,
-    std::int64_t, std::uint64_t>;
-TYPED_TEST_SUITE(CastOfIntegers, Integers);
-
-template <typename T>
-std::vector<T> RandomCells(std::size_t count)
-{
-    std::mt19937_64 random(2024);
-    std::vector<T> cells = {0, std::numeric_limits<T>::min(), std::numeric_limits<T>::max()};
-    while (cells.size() < count) { // of all lengths
-        cells.push_back(static_cast<T>(random() >> random() % 64));
-        cells.push_back(static_cast<T>(0 - (random() >> random() % 64)));
-    }
-    return cells;
-}
-
-TYPED_TEST(CastOfIntegers, SurviveText)
-{
-    const std::vector<TypeParam> cells = RandomCells<TypeParam>(2000);
-    const SeriesPtr source = Column<TypeParam>("source", cells);
-    const SeriesAttr attr = source->GetAttr();
-    const SeriesPtr texts = BuildSeries(WithType(attr, TESSERA_STRING), "texts");
-    const SeriesPtr back = BuildSeries(attr, "back");
-    ASSERT_EQ(CastSeries(source, texts).code, 0);
-    ASSERT_EQ(CastSeries(texts, back).code, 0);
-    EXPECT_EQ(CellsOf<TypeParam>(back->GetIterator()), cells);
-}
-
-TYPED_TEST(CastOfIntegers, WrapBackFromAnyWiderOrEqualInteger)
-{
-    const std::vector<TypeParam> cells = RandomCells<TypeParam>(200);
-    const SeriesPtr source = Column<TypeParam>("source", cells);
-    for (int wide = TESSERA_INT8; wide <= TESSERA_UINT64; ++wide) {
-        constexpr int WIDTH = (ValueTypes::NumberOf<TypeParam> - TESSERA_INT8) / 2;
-        if ((wide - TESSERA_INT8) / 2 < WIDTH) {
-            continue;
-        }
-        const SeriesPtr middle =
-            BuildSeries(WithType(source->GetAttr(), static_cast<MERVO_TESSERA_TYPEID>(wide)), "middle");
-        const SeriesPtr back = BuildSeries(source->GetAttr(), "back");
-        ASSERT_EQ(CastSeries(source, middle).code, 0);
-        ASSERT_EQ(CastSeries(middle, back).code, 0);
-        EXPECT_EQ(CellsOf<TypeParam>(back->GetIterator()), cells) << wide;
-    }
-}
-
 // What 1 to 8 digits around a point become is the C library's business.
 TEST(TypeCast, DecimalsOfAllLengthsParseAsInTheCLibrary)
 {
@@ -228,45 +176,6 @@ TYPED_TEST(TypeCastForm, CastsATable)
 
 // ---- Through tables
 
-TEST(TypeCast, ReplacesTheColumnsOfATableInPlace)
-{
-    DataFrame table = TableOf(Column<std::string>("a", {"1.5", "-2"}), Column<std::uint8_t>("b", {3, 255}));
-    ASSERT_EQ(table.ApplyInplace(CastFactory(TESSERA_DOUBLE), table), 0);
-    EXPECT_THAT(table.GetColumnName(), testing::ElementsAre("a", "b"));
-    EXPECT_THAT(table.To1DVector<double>(), testing::ElementsAre(1.5, 3.0, -2.0, 255.0));
-}
-
-TEST(TypeCast, TakesAWindowAsItsSource)
-{
-    const DataFrame source = TableOf(Column<bool>("a", {true, false, true, true}),
-        Column<bool>("b", {false, true, true, false}), Column<bool>("c", {true, true, false, true}));
-    DataFrame result;
-    ASSERT_EQ(result.ApplyInplace(CastFactory(TESSERA_INT16), source.Slice({1, 4}, {1, 3})), 0);
-    EXPECT_THAT(result.GetColumnName(), testing::ElementsAre("b", "c"));
-    EXPECT_THAT(result.To1DVector<std::int16_t>(), testing::ElementsAre(1, 1, 1, 0, 0, 1));
-}
-
-TEST(TypeCast, WritesThroughAWindowOnlyWhatKeepsItsType)
-{
-    DataFrame table = TableOf(Column<std::int32_t>("a", {1, 2, 3}));
-    const DataFrame source = TableOf(Column<std::string>("s", {"7", "8"}));
-    DataFrameRef window = table.Slice(0, {1, 3});
-    ASSERT_EQ(window.ApplyInplace(CastFactory(TESSERA_INT32), source), 0);
-    EXPECT_THAT(table.To1DVector<std::int32_t>(), testing::ElementsAre(1, 7, 8));
-    EXPECT_EQ(window.ApplyInplace(CastFactory(TESSERA_INT64), source), 21);
-    EXPECT_EQ(window.GetError().message, "Check param failed in functor: CopySeries");
-    EXPECT_THAT(table.To1DVector<std::int32_t>(), testing::ElementsAre(1, 7, 8));
-}
-
-TEST(TypeCast, StoresAFailureInTheTable)
-{
-    const DataFrame source = TableOf(Column<std::string>("good", {"1"}), Column<std::string>("bad", {"1e400"}));
-    DataFrame result;
-    EXPECT_EQ(result.ApplyInplace(CastFactory(TESSERA_DOUBLE), source), 1);
-    EXPECT_EQ(result.GetError().code, 1);
-    EXPECT_EQ(result.GetError().message, "Error on calling functor: TypeCast");
-}
-
 TEST(TypeCast, HasNoResultForANumberThatIsNoType)
 {
     for (const int type : {-1, 14, 15, 99, -2147483647}) {
@@ -278,24 +187,6 @@ TEST(TypeCast, HasNoResultForANumberThatIsNoType)
 }
 
 // ---- Casting on load
-
-TEST(CastOnLoad, GivesEachColumnItsType)
-{
-    DataFrame table;
-    ASSERT_EQ(table.ReadVector<std::string>({"1", "2.5", "x", "-3", "4", ""}, {2, 3},
-                  {TESSERA_INT32, TESSERA_DOUBLE, TESSERA_STRING}, {CONTAINER_LIST, CONTAINER_ARRAY, CONTAINER_LIST}),
-        0);
-    EXPECT_THAT(CellsOf<std::int32_t>(table.GetColumn(0)->GetIterator()), testing::ElementsAre(1, -3));
-    EXPECT_EQ(table.GetColumn(0)->GetAttr().containerId, CONTAINER_LIST);
-    EXPECT_THAT(CellsOf<double>(table.GetColumn(1)->GetIterator()), testing::ElementsAre(2.5, 4.0));
-    EXPECT_THAT(CellsOf<std::string>(table.GetColumn(2)->GetIterator()), testing::ElementsAre("x", ""));
-    EXPECT_THAT(table.GetColumnName(), testing::ElementsAre("col_0", "col_1", "col_2"));
-
-    DataFrame byColumn;
-    ASSERT_EQ(byColumn.ReadVectorByCol<double>({{1.5, -2.5}, {0.0, 7.0}}, {TESSERA_INT8, TESSERA_BOOL}), 0);
-    EXPECT_THAT(CellsOf<std::int8_t>(byColumn.GetColumn(0)->GetIterator()), testing::ElementsAre(1, -2));
-    EXPECT_THAT(CellsOf<bool>(byColumn.GetColumn(1)->GetIterator()), testing::ElementsAre(false, true));
-}
 
 TEST(CastOnLoad, StoresAFailureAndTellsWhichTypes)
 {

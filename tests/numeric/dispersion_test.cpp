@@ -1,14 +1,10 @@
 #include "tessera/numeric/dispersion.h"
 
-#include <gmock/gmock.h>
-
 #include "tests/numeric/statistics_model.h"
-#include "tests/support/log_capture.h"
 
 namespace MERVO::Tessera {
 namespace {
 
-using testing::ElementsAre;
 using Var = Func::Var<CONTAINER_ARRAY, std::uint32_t>;
 using Std = Func::Std<CONTAINER_ARRAY, std::uint32_t>;
 
@@ -140,79 +136,6 @@ TEST(Dispersion, SurvivesSumsBeyondTheRange)
     const std::vector<double> cells{1.5e308, 1.5e308, 1.5e308, 1.5e308};
     const auto window = WindowOf(cells, CONTAINER_ARRAY, 0);
     EXPECT_TRUE(GivesCell(Var(0), window.Range(), 0.0));
-}
-
-TEST(Dispersion, RefusesOtherDestinations)
-{
-    const Var var(1);
-    const Std std(1);
-    for (const Func::UnaryBase* functor :
-        {static_cast<const Func::UnaryBase*>(&var), static_cast<const Func::UnaryBase*>(&std)}) {
-        const LogCapture log;
-        const SeriesPtr doubles = Column<double>("d", {1.0, 2.0});
-        const SeriesPtr floats = Column<float>("f", {1.0F});
-        const SeriesPtr strings = Column<std::string>("s", {"x"});
-        const std::string refusal = "Check param failed in functor: " + functor->GetName();
-        for (const auto& [src, dst] : {std::pair(&doubles, &doubles), std::pair(&doubles, &floats),
-                 std::pair(&strings, &strings), std::pair(&strings, &floats)}) {
-            const Error error = functor->ProcessSeries((*src)->GetIterator(), (*dst)->GetIterator(), true);
-            EXPECT_EQ(error.code, ERROR_PARAMETERS_REFUSED);
-            EXPECT_EQ(error.message, refusal);
-        }
-    }
-}
-
-TEST(Dispersion, HasNoKernelForTextTimesAndTables)
-{
-    const SeriesPtr texts = Column<std::string>("s", {"x"});
-    const SeriesPtr times = Column<DateTime>("t", {DateTime(5)});
-    for (const SeriesPtr* column : {&texts, &times}) {
-        const LogCapture log;
-        const Cursor src = (*column)->GetIterator();
-        EXPECT_EQ(RunKernel(Func::VarBase<CONTAINER_ARRAY>(1), src, src), ERROR_GENERAL);
-        EXPECT_EQ(RunKernel(Func::StdBase<CONTAINER_ARRAY>(1), src, src), ERROR_GENERAL);
-        EXPECT_EQ(log.Count(), 0U);
-    }
-}
-
-TEST(Dispersion, OfATableGivesEachColumnItsOwnType)
-{
-    const DataFrame src = TableOf(Column<bool>("flag", {true, false}), Column<std::int8_t>("small", {-128, 127}),
-        Column<float>("single", {0.5F, 1.5F}), Column<double>("wide", {2.0, 6.0}));
-    DataFrame dst;
-    std::uint32_t ddof = 0;
-    ASSERT_EQ(dst.ApplyInplace(Func::FunctorFactory<Func::Var, Func::UnaryBase, std::uint32_t&>{ddof}, src), 0);
-    EXPECT_THAT(dst.GetColumnName(), ElementsAre("flag", "small", "single", "wide"));
-    EXPECT_EQ(dst.RowCount(), 1U);
-    EXPECT_EQ(GetValueFromIterator<double>(dst.GetColumn(0)->GetIterator(), 0), 0.25);
-    EXPECT_EQ(GetValueFromIterator<double>(dst.GetColumn(1)->GetIterator(), 0), 127.5 * 127.5);
-    EXPECT_EQ(GetValueFromIterator<float>(dst.GetColumn(2)->GetIterator(), 0), 0.25F);
-    EXPECT_EQ(GetValueFromIterator<double>(dst.GetColumn(3)->GetIterator(), 0), 4.0);
-}
-
-// A factory without an argument is the usual standard deviation; the others hand theirs over in any form.
-TEST(Dispersion, TakesItsArgumentInAnyForm)
-{
-    const DataFrame src = TableOf(Column<double>("a", {1.0, 3.0, 5.0, 7.0}));
-    std::uint32_t three = 3;
-    const UnaryFactory makers[] = {Func::FunctorFactory<Func::Std, Func::UnaryBase>{},
-        Func::FunctorFactory<Func::Std, Func::UnaryBase, std::uint32_t>{2},
-        Func::FunctorFactory<Func::Std, Func::UnaryBase, std::uint32_t&>{three},
-        Func::FunctorFactory<Func::Var, Func::UnaryBase, const std::uint32_t&>{three}};
-    const double expected[] = {std::sqrt(20.0 / 3.0), std::sqrt(10.0), std::sqrt(20.0), 20.0};
-    for (std::size_t i = 0; i < std::size(makers); ++i) {
-        DataFrame dst;
-        ASSERT_EQ(dst.ApplyInplace(makers[i], src), 0);
-        EXPECT_THAT(dst.To1DVector<double>(), ElementsAre(expected[i]));
-    }
-}
-
-TEST(Dispersion, OfATextColumnFailsTheTable)
-{
-    const DataFrame src = TableOf(Column<double>("a", {1.0}), Column<std::string>("b", {"x"}));
-    DataFrame dst;
-    EXPECT_EQ(dst.ApplyInplace(Func::FunctorFactory<Func::Var, Func::UnaryBase, std::uint32_t>{0}, src), 5);
-    EXPECT_EQ(dst.GetError().message, "nullptr error in unary functorVar");
 }
 
 } // namespace

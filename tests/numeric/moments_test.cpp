@@ -1,14 +1,11 @@
 #include "tessera/numeric/moments.h"
 
-#include <gmock/gmock.h>
-
 #include "tests/numeric/statistics_model.h"
 #include "tests/support/log_capture.h"
 
 namespace MERVO::Tessera {
 namespace {
 
-using testing::ElementsAre;
 using Moment = Func::Moment<CONTAINER_ARRAY, std::uint32_t>;
 using Kstat = Func::Kstat<CONTAINER_ARRAY, std::uint32_t>;
 
@@ -125,54 +122,18 @@ TEST(Kstatistics, FollowTheirFormulas)
     }
 }
 
-TEST(Kstatistics, RefuseOtherDegreesBoolsAndNothing)
+TEST(Kstatistics, RefuseOtherDegrees)
 {
     const SeriesPtr doubles = Column<double>("d", {1.0, 2.0});
-    const SeriesPtr bools = Column<bool>("b", {true, false});
     const SeriesPtr cell = Column<double>("result", {7.0});
     for (const std::uint32_t degree : {0U, 5U, 4294967295U}) {
         const LogCapture log;
         const Error error = Kstat(degree).ProcessSeries(doubles->GetIterator(), cell->GetIterator(), true);
-        EXPECT_EQ(error.code, ERROR_BAD_VALUE);
+        EXPECT_EQ(error.code, 5);
         EXPECT_EQ(error.message, "Error on calling functor: Kstat");
         EXPECT_EQ(log.Count(), 0U);
     }
-    EXPECT_EQ(Kstat(2).ProcessSeries(bools->GetIterator(), cell->GetIterator(), true).code, ERROR_GENERAL);
-    const LogCapture log;
-    EXPECT_EQ(Kstat(2).ProcessSeries(doubles->GetIterator(1, 1), cell->GetIterator(), true).code, 21);
-    EXPECT_EQ(Moment(2).ProcessSeries(doubles->GetIterator(), doubles->GetIterator(), true).code, 21);
-    EXPECT_THAT(CellsOf<double>(cell->GetIterator()), ElementsAre(7.0));
-}
-
-TEST(Moments, HaveNoKernelForTextAndTimes)
-{
-    const SeriesPtr texts = Column<std::string>("s", {"x"});
-    const SeriesPtr times = Column<DateTime>("t", {DateTime(5)});
-    for (const SeriesPtr* column : {&texts, &times}) {
-        const LogCapture log;
-        const Cursor src = (*column)->GetIterator();
-        EXPECT_EQ(RunKernel(Func::MomentBase<CONTAINER_ARRAY>(2), src, src), ERROR_GENERAL);
-        EXPECT_EQ(RunKernel(Func::KstatBase<CONTAINER_ARRAY>(2), src, src), ERROR_GENERAL);
-        EXPECT_EQ(log.Count(), 0U);
-    }
-}
-
-TEST(Moments, TakeTheirArgumentInAnyForm)
-{
-    const DataFrame src =
-        TableOf(Column<double>("a", {1.0, 2.0, 3.0, 6.0}), Column<float>("b", {1.0F, 2.0F, 3.0F, 6.0F}));
-    std::uint32_t degree = 3;
-    for (const UnaryFactory& make :
-        {UnaryFactory(Func::FunctorFactory<Func::Moment, Func::UnaryBase, std::uint32_t&>{degree}),
-            UnaryFactory(Func::FunctorFactory<Func::Moment, Func::UnaryBase, const std::uint32_t&>{degree})}) {
-        DataFrame dst;
-        ASSERT_EQ(dst.ApplyInplace(make, src), 0);
-        EXPECT_EQ(GetValueFromIterator<double>(dst.GetColumn(0)->GetIterator(), 0), 4.5);
-        EXPECT_EQ(GetValueFromIterator<float>(dst.GetColumn(1)->GetIterator(), 0), 4.5F);
-    }
-    DataFrame dst;
-    ASSERT_EQ(dst.ApplyInplace(Func::FunctorFactory<Func::Kstat, Func::UnaryBase, std::uint32_t&>{degree}, src), 0);
-    EXPECT_EQ(GetValueFromIterator<double>(dst.GetColumn(0)->GetIterator(), 0), 12.0);
+    EXPECT_EQ(CellsOf<double>(cell->GetIterator()), std::vector<double>{7.0});
 }
 
 } // namespace

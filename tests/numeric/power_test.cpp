@@ -117,18 +117,6 @@ TEST(WholePowers, AreTheNearestDoubles)
     }
 }
 
-// Cases that C libraries with and without a fused multiply-add round to different doubles.
-TEST(WholePowers, DontFollowTheProcessor)
-{
-    std::mt19937_64 random(4);
-    int misses = 0;
-    for (int i = 0; i < 20000; ++i) {
-        const double base = RandomBase(random, 2);
-        misses += WholePower(base, 2) != base * base ? 1 : 0;
-    }
-    EXPECT_EQ(misses, 0);
-}
-
 TEST(WholePowers, FollowPowWhereThereIsNoNumber)
 {
     const double infinite = std::numeric_limits<double>::infinity();

@@ -1,99 +1,34 @@
 // Holds the reductions against loops that take one element after the other, over random columns of every value type.
 
-#include <random>
-
 #include "tessera/numeric/cal_mean.h"
 #include "tessera/numeric/first_best.h"
-#include "tests/numeric/reduce.h"
-#include "tests/numeric/reduction_model.h"
+#include "tests/numeric/statistics.h"
 
 namespace MERVO::Tessera {
 namespace {
 
 using Random = std::mt19937_64;
 
-/// What a column is made of; each flavour brings out another rule.
-enum Flavour { ANY_VALUE, MANY_EQUALS, ONLY_ENDS, NAN_LATER, NAN_IN_FRONT, ONLY_NAN, ONLY_ZEROS, FLAVOUR_COUNT };
-
-template <std::floating_point T>
-T NanOf(Random& random)
-{
-    using Bits = std::conditional_t<sizeof(T) == 8, std::uint64_t, std::uint32_t>;
-    const auto infinite = std::bit_cast<Bits>(std::numeric_limits<T>::infinity());
-    return std::bit_cast<T>(static_cast<Bits>(random()) | infinite | Bits{1}); // signalling ones too, of both signs
-}
-
-template <std::floating_point T>
-T CellOf(Random& random, Flavour flavour, std::size_t row)
-{
-    const auto some = static_cast<T>(static_cast<std::int32_t>(random())) / T{1000};
-    switch (flavour) {
-    case MANY_EQUALS:
-        return static_cast<T>(random() % 5) - T{4};
-    case ONLY_ENDS:
-        return std::numeric_limits<T>::infinity() * (random() % 2 == 0 ? T{1} : T{-1});
-    case NAN_LATER:
-        return row != 0 && random() % 20 == 0 ? NanOf<T>(random) : some;
-    case NAN_IN_FRONT:
-        return row == 0 ? NanOf<T>(random) : some;
-    case ONLY_NAN:
-        return NanOf<T>(random);
-    case ONLY_ZEROS:
-        return random() % 2 == 0 ? T{0} : -T{0};
-    default:
-        return some;
-    }
-}
-
-template <std::integral T>
-requires(!std::is_same_v<T, bool>) T CellOf(Random& random, Flavour flavour, std::size_t)
-{
-    switch (flavour) {
-    case MANY_EQUALS:
-        return static_cast<T>(random() % 5);
-    case ONLY_ENDS:
-        return random() % 2 == 0 ? std::numeric_limits<T>::min() : std::numeric_limits<T>::max();
-    case NAN_LATER:
-        return static_cast<T>(static_cast<std::int64_t>(random()) >> 20); // sums around 2^53
-    case ONLY_ZEROS:
-        return T{0};
-    default:
-        return static_cast<T>(random());
-    }
-}
-
-template <std::same_as<bool> T>
-T CellOf(Random& random, Flavour flavour, std::size_t)
-{
-    switch (flavour) {
-    case MANY_EQUALS:
-        return random() % 300 == 0;
-    case ONLY_ENDS:
-        return true;
-    case NAN_LATER:
-        return random() % 300 != 0;
-    case ONLY_ZEROS:
-        return false;
-    default:
-        return random() % 2 == 0;
-    }
-}
-
-template <std::same_as<DateTime> T>
-T CellOf(Random& random, Flavour flavour, std::size_t row)
-{
-    return DateTime(CellOf<std::int32_t>(random, flavour, row));
-}
-
-template <std::same_as<std::string> T>
-T CellOf(Random& random, Flavour flavour, std::size_t)
+/// As the columns of statistics, and of the value types that have none.
+template <typename T>
+T RandomValue(Random& random, Flavour flavour)
 {
     constexpr char LETTERS[] = {'a', 'b', '\0', '\xFF'};
-    std::string cell(flavour == MANY_EQUALS ? 20 : 0, 'a'); // equal for longer than a string holds in itself
-    for (std::size_t length = random() % 4; length != 0; --length) {
-        cell.push_back(LETTERS[random() % sizeof LETTERS]);
+    if constexpr (std::is_same_v<T, bool>) {
+        const bool isRare = random() % 300 == 0;
+        const bool isEven = random() % 2 == 0;
+        return flavour == EQUAL || (flavour == WITH_NAN ? isRare : flavour == ONLY_NAN ? !isRare : isEven);
+    } else if constexpr (std::is_same_v<T, DateTime>) {
+        return DateTime(RandomCell<std::int32_t>(random, flavour));
+    } else if constexpr (std::is_same_v<T, std::string>) {
+        std::string cell(flavour == EQUAL ? 20 : 0, 'a'); // equal for longer than a string holds in itself
+        for (std::size_t length = random() % 4; length != 0; --length) {
+            cell.push_back(LETTERS[random() % sizeof LETTERS]);
+        }
+        return cell;
+    } else {
+        return RandomCell<T>(random, flavour);
     }
-    return cell;
 }
 
 template <typename T>
@@ -166,7 +101,8 @@ TYPED_TEST(ReductionsOfType, AgreeWithTheModel)
         for (int flavour = 0; flavour < FLAVOUR_COUNT; ++flavour) {
             std::vector<TypeParam> cells;
             for (std::size_t row = 0; row < count; ++row) {
-                cells.push_back(CellOf<TypeParam>(random, static_cast<Flavour>(flavour), row));
+                const bool isFirstNan = row == 0 && flavour == WITH_NAN && random() % 2 == 0;
+                cells.push_back(RandomValue<TypeParam>(random, isFirstNan ? ONLY_NAN : static_cast<Flavour>(flavour)));
             }
             for (const ContainerID container : BOTH_CONTAINERS) {
                 const auto firstRow = static_cast<std::uint32_t>(random() % 19);

@@ -174,137 +174,29 @@ TEST(Ptp, WrapsInTheWidthOfItsType)
     Expect<Func::Ptp, bool>({true, false}, true);
 }
 
-// What a reduction does not take, for a caller that brings a source and a destination of its own.
-struct RefusalCase {
-    const char* name;
-    FunctorPtr<Func::UnaryBase> (*make)();
-    SeriesAttr src;
-    SeriesAttr dst;
-    Error error;
-    const char* log;
-};
-
-template <template <ContainerID> class Reduction>
-FunctorPtr<Func::UnaryBase> Make()
+/// A text column between others, through a table: sums have no type for it, the rest no kernel.
+TEST(Reductions, OfATableEndAtTheFirstColumnThatFails)
 {
-    return Func::FunctorFactory<Reduction, Func::UnaryBase>{}(CONTAINER_ARRAY);
-}
-
-constexpr SeriesAttr Cells(MERVO_TESSERA_TYPEID type, std::uint32_t length = 1)
-{
-    return {length, CONTAINER_ARRAY, type};
-}
-
-const RefusalCase REFUSAL_CASES[] = {
-    {"SumOfIntegersIntoIntegers", &Make<Func::Sum>, Cells(TESSERA_INT32, 2), Cells(TESSERA_INT32),
-        {21, "Check param failed in functor: Sum"},
-        "Functor Sum check param error, src [size 2, type int32], dst [size 1, type int32]"},
-    {"SumOfFloatsIntoDoubles", &Make<Func::Sum>, Cells(TESSERA_FLOAT), Cells(TESSERA_DOUBLE),
-        {21, "Check param failed in functor: Sum"},
-        "Functor Sum check param error, src [size 1, type float], dst [size 1, type double]"},
-    {"SumOfBoolsIntoDoubles", &Make<Func::Sum>, Cells(TESSERA_BOOL), Cells(TESSERA_DOUBLE),
-        {21, "Check param failed in functor: Sum"},
-        "Functor Sum check param error, src [size 1, type bool], dst [size 1, type double]"},
-    {"SumIntoTwoCells", &Make<Func::Sum>, Cells(TESSERA_DOUBLE), Cells(TESSERA_DOUBLE, 2),
-        {21, "Check param failed in functor: Sum"},
-        "Functor Sum check param error, src [size 1, type double], dst [size 2, type double]"},
-    {"SumOfStrings", &Make<Func::Sum>, Cells(TESSERA_STRING), Cells(TESSERA_STRING),
-        {21, "Check param failed in functor: Sum"},
-        "Functor Sum check param error, src [size 1, type string], dst [size 1, type string]"},
-    {"MeanOfFloatsIntoDoubles", &Make<Func::Mean>, Cells(TESSERA_FLOAT), Cells(TESSERA_DOUBLE),
-        {21, "Check param failed in functor: Mean"},
-        "Functor Mean check param error, src [size 1, type float], dst [size 1, type double]"},
-    {"MeanOfBoolsIntoIntegers", &Make<Func::Mean>, Cells(TESSERA_BOOL), Cells(TESSERA_INT64),
-        {21, "Check param failed in functor: Mean"},
-        "Functor Mean check param error, src [size 1, type bool], dst [size 1, type int64]"},
-    {"MeanOfTables", &Make<Func::Mean>, Cells(TESSERA_DATAFRAME), Cells(TESSERA_DATAFRAME),
-        {21, "Check param failed in functor: Mean"},
-        "Functor Mean check param error, src [size 1, type dataframe], dst [size 1, type dataframe]"},
-    {"MaxOfNothing", &Make<Func::Max>, Cells(TESSERA_DOUBLE, 0), Cells(TESSERA_DOUBLE),
-        {21, "Check param failed in functor: Max"},
-        "Functor Max check param error, src [size 0, type double], dst [size 1, type double]"},
-    {"MinOfNothing", &Make<Func::Min>, Cells(TESSERA_BOOL, 0), Cells(TESSERA_BOOL),
-        {21, "Check param failed in functor: Min"},
-        "Functor Min check param error, src [size 0, type bool], dst [size 1, type bool]"},
-    {"PtpOfNothing", &Make<Func::Ptp>, Cells(TESSERA_INT8, 0), Cells(TESSERA_INT8),
-        {21, "Check param failed in functor: Ptp"},
-        "Functor Ptp check param error, src [size 0, type int8], dst [size 1, type int8]"},
-    {"IdxMaxOfNothing", &Make<Func::IdxMax>, Cells(TESSERA_STRING, 0), Cells(TESSERA_UINT32),
-        {21, "Check param failed in functor: IdxMax"},
-        "Functor IdxMax check param error, src [size 0, type string], dst [size 1, type uint32]"},
-    {"IdxMaxIntoSigned", &Make<Func::IdxMax>, Cells(TESSERA_INT32), Cells(TESSERA_INT32),
-        {21, "Check param failed in functor: IdxMax"},
-        "Functor IdxMax check param error, src [size 1, type int32], dst [size 1, type int32]"},
-    {"MaxIntoNoCell", &Make<Func::Max>, Cells(TESSERA_INT32), Cells(TESSERA_INT32, 0),
-        {21, "Check param failed in functor: Max"},
-        "Functor Max check param error, src [size 1, type int32], dst [size 0, type int32]"},
-    {"MaxIntoAnotherType", &Make<Func::Max>, Cells(TESSERA_INT64), Cells(TESSERA_BOOL),
-        {1, "Error on calling functor: Max"}, nullptr},
-    {"MinIntoAnotherType", &Make<Func::Min>, Cells(TESSERA_DOUBLE), Cells(TESSERA_FLOAT),
-        {1, "Error on calling functor: Min"}, nullptr},
-    {"PtpIntoAnotherType", &Make<Func::Ptp>, Cells(TESSERA_INT8), Cells(TESSERA_STRING),
-        {1, "Error on calling functor: Ptp"}, nullptr},
-    {"MaxOfTables", &Make<Func::Max>, Cells(TESSERA_DATAFRAME), Cells(TESSERA_DATAFRAME),
-        {1, "Error on calling functor: Max"}, nullptr},
-    {"MinOfStrings", &Make<Func::Min>, Cells(TESSERA_STRING), Cells(TESSERA_STRING),
-        {1, "Error on calling functor: Min"}, nullptr},
-    {"MinOfTables", &Make<Func::Min>, Cells(TESSERA_DATAFRAME), Cells(TESSERA_DATAFRAME),
-        {1, "Error on calling functor: Min"}, nullptr},
-    {"PtpOfStrings", &Make<Func::Ptp>, Cells(TESSERA_STRING), Cells(TESSERA_STRING),
-        {1, "Error on calling functor: Ptp"}, nullptr},
-    {"PtpOfTables", &Make<Func::Ptp>, Cells(TESSERA_DATAFRAME), Cells(TESSERA_DATAFRAME),
-        {1, "Error on calling functor: Ptp"}, nullptr},
-    {"IdxMaxOfTables", &Make<Func::IdxMax>, Cells(TESSERA_DATAFRAME), Cells(TESSERA_UINT32),
-        {1, "Error on calling functor: IdxMax"}, "this type donnot support IdxMax functor"},
-};
-
-class RefusedReductions : public testing::TestWithParam<RefusalCase> {};
-
-TEST_P(RefusedReductions, GiveTheirCodeAndMessage)
-{
-    const RefusalCase& wanted = GetParam();
-    const SeriesPtr src = BuildSeries(wanted.src, "src");
-    const SeriesPtr dst = BuildSeries(wanted.dst, "dst");
-    const LogCapture log;
-    const Error error = wanted.make()->ProcessSeries(src->GetIterator(), dst->GetIterator(), true);
-    EXPECT_EQ(error.code, wanted.error.code);
-    EXPECT_EQ(error.message, wanted.error.message);
-    EXPECT_EQ(log.Texts(1), wanted.log == nullptr ? std::vector<std::string>() : std::vector<std::string>{wanted.log});
-}
-
-INSTANTIATE_TEST_SUITE_P(Cases, RefusedReductions, testing::ValuesIn(REFUSAL_CASES),
-    [](const auto& refused) { return std::string(refused.param.name); });
-
-TEST(Reductions, WithoutACheckStillRefuseAnEmptyRange)
-{
-    const SeriesPtr full = Column<double>("full", {4.0});
-    const SeriesPtr empty = Column<double>("empty", {});
-    const SeriesPtr dst = Column<double>("dst", {-1.0});
-    for (const auto make : {&Make<Func::Max>, &Make<Func::Min>, &Make<Func::Ptp>}) {
-        const FunctorPtr<Func::UnaryBase> functor = make();
-        ASSERT_EQ(functor->ProcessSeries(full->GetIterator(), dst->GetIterator(), true).code, 0);
-        EXPECT_EQ(functor->ProcessSeries(empty->GetIterator(), dst->GetIterator(), false).code, 12);
+    using Func::FunctorFactory;
+    using Func::UnaryBase;
+    const struct {
+        UnaryFactory make;
+        ErrorCode code;
+        const char* message;
+    } cases[] = {
+        {FunctorFactory<Func::Sum, UnaryBase>{}, 5, "nullptr error in unary functorSum"},
+        {FunctorFactory<Func::Var, UnaryBase, std::uint32_t>{0}, 5, "nullptr error in unary functorVar"},
+        {FunctorFactory<Func::Min, UnaryBase>{}, 1, "Error on calling functor: Min"},
+    };
+    for (const auto& [make, code, message] : cases) {
+        const DataFrame src =
+            TableOf(Column<double>("a", {7.0}), Column<std::string>("b", {"x"}), Column<double>("c", {8.0}));
+        DataFrame dst;
+        EXPECT_EQ(dst.ApplyInplace(make, src), code) << message;
+        EXPECT_EQ(dst.GetError().code, code);
+        EXPECT_EQ(dst.GetError().message, message);
+        EXPECT_EQ(src.GetError().code, 0);
     }
-}
-
-/// The kernels of sum and mean that no check lets through.
-template <typename Functor>
-ErrorCode RunEntry(const Functor& functor, MERVO_TESSERA_TYPEID type)
-{
-    const SeriesPtr column = BuildSeries(Cells(type), "column");
-    const Func::UnaryBase* base = &functor;
-    return Functor::transformTable[static_cast<std::size_t>(type) * ValueTypes::COUNT + static_cast<std::size_t>(type)](
-        base, column->GetIterator(), column->GetIterator());
-}
-
-TEST(Reductions, HaveNoKernelForSumsOfTextAndTables)
-{
-    const LogCapture log;
-    for (const MERVO_TESSERA_TYPEID type : {TESSERA_STRING, TESSERA_DATAFRAME}) {
-        EXPECT_EQ(RunEntry(Func::Sum<CONTAINER_ARRAY>(), type), 1);
-        EXPECT_EQ(RunEntry(Func::Mean<CONTAINER_ARRAY>(), type), 1);
-    }
-    EXPECT_EQ(log.Count(), 0U);
 }
 
 } // namespace

@@ -12,7 +12,6 @@ namespace {
 
 using Func::RollingParam;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr std::uint32_t NO_GAPS = 0xFFFFFFFF;
 constexpr double NO_VALUE = std::numeric_limits<double>::quiet_NaN();
@@ -225,48 +224,6 @@ TEST(Rolling, MayWriteOverItsOwnColumn)
     }
 }
 
-struct TypeCase {
-    MERVO_TESSERA_TYPEID type;
-    MERVO_TESSERA_TYPEID result;
-    ErrorCode code;
-};
-
-const TypeCase TYPE_CASES[] = {{TESSERA_BOOL, TESSERA_BOOL, 21}, {TESSERA_INT8, TESSERA_DOUBLE, 0},
-    {TESSERA_UINT8, TESSERA_DOUBLE, 0}, {TESSERA_INT16, TESSERA_DOUBLE, 0}, {TESSERA_UINT16, TESSERA_DOUBLE, 0},
-    {TESSERA_INT32, TESSERA_DOUBLE, 0}, {TESSERA_UINT32, TESSERA_DOUBLE, 0}, {TESSERA_INT64, TESSERA_DOUBLE, 0},
-    {TESSERA_UINT64, TESSERA_DOUBLE, 0}, {TESSERA_FLOAT, TESSERA_FLOAT, 0}, {TESSERA_DOUBLE, TESSERA_DOUBLE, 0},
-    {TESSERA_STRING, TESSERA_STRING, 1}, {TESSERA_DATETIME, TESSERA_DATETIME, 1},
-    {TESSERA_DATAFRAME, TESSERA_DATAFRAME, 1}};
-
-TEST(Rolling, ServesNumbers)
-{
-    for (const TypeCase& wanted : TYPE_CASES) {
-        const SeriesPtr column = BuildSeries({3, CONTAINER_ARRAY, wanted.type}, "a");
-        const Cursor src = column->GetIterator();
-        const RollingMean mean({2, false, 1});
-        EXPECT_EQ(mean.GetDstAttr(src).typeId, wanted.result);
-        EXPECT_EQ(mean.GetDstAttr(src).length, 3U);
-        const LogCapture log;
-        Error error;
-        const SeriesPtr result = RunOn(mean, src, CONTAINER_ARRAY, error);
-        EXPECT_EQ(error.code, wanted.code) << GetTypeNameById(wanted.type);
-        EXPECT_EQ(log.Count() == 0, wanted.code != 21) << GetTypeNameById(wanted.type);
-        for (const MERVO_TESSERA_TYPEID other : {TESSERA_FLOAT, TESSERA_DOUBLE, TESSERA_INT8}) {
-            const SeriesPtr foreign = BuildSeries({3, CONTAINER_ARRAY, other}, "b");
-            EXPECT_EQ(mean.CheckParams(src, foreign->GetIterator()), other == wanted.result);
-        }
-    }
-}
-
-TEST(Rolling, ChecksItsDestinationOnceMore)
-{
-    const SeriesPtr column = Column<double>("a", {1, 2, 3});
-    const SeriesPtr floats = Column<float>("b", {7.0F, 8.0F, 9.0F});
-    const Func::RollingBase<CONTAINER_ARRAY, false> sum({2, false, 1});
-    EXPECT_EQ(RunKernel(sum, column->GetIterator(), floats->GetIterator()), ERROR_GENERAL);
-    EXPECT_THAT(CellsOf<float>(floats->GetIterator()), ElementsAre(7.0F, 8.0F, 9.0F));
-}
-
 TEST(Rolling, WithoutMemoryTriesTheOtherKernel)
 {
     const SeriesPtr column = Column<double>("a", {1, 2, 3});
@@ -296,40 +253,6 @@ TEST(Rolling, WithoutMemoryTriesTheOtherKernel)
         EXPECT_EQ(log.Texts(1).back(), "initialized storage failed");
         EXPECT_THAT(CellsOf<double>(dst), ElementsAre(1.0, 3.0, 5.0));
     }
-}
-
-TEST(Rolling, OfATableTakesItsArgumentsInAnyForm)
-{
-    const DataFrame src = TableOf(Column<std::int16_t>("a", {1, 2, 3}), Column<float>("b", {0.5F, 1.5F, 2.5F}));
-    const std::uint32_t window = 2;
-    const bool center = false;
-    const std::uint32_t minPeriods = 1;
-    using Func::FunctorFactory;
-    using Func::UnaryBase;
-    const UnaryFactory makers[] = {
-        FunctorFactory<Func::RollingMean, UnaryBase, const std::uint32_t&, const bool&, const std::uint32_t&>{
-            window, center, minPeriods},
-        FunctorFactory<Func::RollingMean, UnaryBase, std::uint32_t, bool, std::uint32_t>{window, center, minPeriods},
-        FunctorFactory<Func::RollingMean, UnaryBase, RollingParam>{RollingParam{window, center, minPeriods}}};
-    for (const UnaryFactory& make : makers) {
-        DataFrame dst;
-        ASSERT_EQ(dst.ApplyInplace(make, src), 0);
-        EXPECT_THAT(dst.GetColumnName(), ElementsAre("a", "b"));
-        EXPECT_THAT(CellsOf<double>(dst.GetColumn(0)->GetIterator()), ElementsAre(1.0, 1.5, 2.5));
-        EXPECT_THAT(CellsOf<float>(dst.GetColumn(1)->GetIterator()), ElementsAre(0.5F, 1.0F, 2.0F));
-    }
-}
-
-// A window keeps its length and type, so it can receive doubles, also from rows of its own.
-TEST(Rolling, FillsAWindowOfATable)
-{
-    DataFrame table = TableOf(Column<double>("a", {1, 2, 3, 4}));
-    DataFrameRef rows = table.Slice({1, 4}, {0, 1});
-    ASSERT_EQ(
-        rows.ApplyInplace(
-            Func::FunctorFactory<Func::RollingSum, Func::UnaryBase, RollingParam>{RollingParam{2, false, 1}}, rows),
-        0);
-    EXPECT_THAT(table.To1DVector<double>(), ElementsAre(1.0, 2.0, 5.0, 7.0));
 }
 
 } // namespace

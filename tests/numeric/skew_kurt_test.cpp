@@ -3,12 +3,10 @@
 #include <gmock/gmock.h>
 
 #include "tests/numeric/statistics_model.h"
-#include "tests/support/log_capture.h"
 
 namespace MERVO::Tessera {
 namespace {
 
-using testing::ElementsAre;
 using Skew = Func::Skew<CONTAINER_ARRAY, bool, bool>;
 using Kurt = Func::Kurt<CONTAINER_ARRAY, bool, bool>;
 
@@ -120,61 +118,6 @@ TEST(Shape, OfAFloatColumnHasAWiderZero)
     ASSERT_LT(std::abs(trace), 1e-7);
     EXPECT_TRUE(GivesCell(Skew(true, true), wide.Range(), trace));
     EXPECT_TRUE(GivesCell(Skew(true, true), narrow.Range(), 0.0F));
-}
-
-TEST(Shape, IsRefusedForBools)
-{
-    const SeriesPtr bools = Column<bool>("b", {true, false, false});
-    const SeriesPtr cell = Column<double>("result", {7.0});
-    const LogCapture log;
-    const Error skew = Skew(true, true).ProcessSeries(bools->GetIterator(), cell->GetIterator(), true);
-    EXPECT_EQ(skew.code, ERROR_GENERAL);
-    EXPECT_EQ(skew.message, "Error on calling functor: Skew");
-    const Error kurt = Kurt(true, true).ProcessSeries(bools->GetIterator(), cell->GetIterator(), true);
-    EXPECT_EQ(kurt.code, ERROR_GENERAL);
-    EXPECT_EQ(kurt.message, "Error on calling functor: Kurt");
-    EXPECT_EQ(log.Count(), 0U);
-    EXPECT_THAT(CellsOf<double>(cell->GetIterator()), ElementsAre(7.0));
-}
-
-TEST(Shape, TellsOfTypesThatAreNoNumbers)
-{
-    const SeriesPtr texts = Column<std::string>("s", {"x"});
-    const SeriesPtr times = Column<DateTime>("t", {DateTime(5)});
-    const SeriesPtr doubles = Column<double>("d", {5.0});
-    for (const SeriesPtr* column : {&texts, &times}) {
-        const LogCapture log;
-        const Cursor src = (*column)->GetIterator();
-        EXPECT_EQ(Skew(true, true).GetDstAttr(src).typeId, TESSERA_INVALID);
-        EXPECT_EQ(Kurt(true, true).GetDstAttr(src).typeId, TESSERA_INVALID);
-        EXPECT_THAT(log.Texts(1),
-            ElementsAre("the input data type doesn't match needs of functor",
-                "the input data type doesn't satisfy needs of functor"));
-        EXPECT_EQ(RunKernel(Func::SkewBase<CONTAINER_ARRAY>({true, true}), src, src), ERROR_GENERAL);
-        EXPECT_EQ(RunKernel(Func::KurtBase<CONTAINER_ARRAY>({true, true}), src, src), ERROR_GENERAL);
-        EXPECT_EQ(log.Count(), 2U);
-    }
-    const LogCapture log;
-    EXPECT_EQ(Skew(true, true).GetDstAttr(doubles->GetIterator()).typeId, TESSERA_DOUBLE);
-    EXPECT_EQ(Kurt(true, true).GetDstAttr(doubles->GetIterator()).typeId, TESSERA_DOUBLE);
-    EXPECT_EQ(log.Count(), 0U);
-}
-
-TEST(Shape, TakesItsArgumentsInAnyForm)
-{
-    const DataFrame src = TableOf(Column<double>("a", {1.0, 2.0, NO_VALUE}));
-    bool yes = true;
-    bool no = false;
-    const UnaryFactory makers[] = {Func::FunctorFactory<Func::Skew, Func::UnaryBase, bool&, bool&>{yes, no},
-        Func::FunctorFactory<Func::Skew, Func::UnaryBase, const bool&, const bool&>{yes, yes},
-        Func::FunctorFactory<Func::Kurt, Func::UnaryBase, bool&, bool&>{yes, yes},
-        Func::FunctorFactory<Func::Kurt, Func::UnaryBase, bool, bool>{no, yes}};
-    const double expected[] = {NO_VALUE, 0.0, -2.0, NO_VALUE};
-    for (std::size_t i = 0; i < std::size(makers); ++i) {
-        DataFrame dst;
-        ASSERT_EQ(dst.ApplyInplace(makers[i], src), 0);
-        EXPECT_THAT(dst.To1DVector<double>(), ElementsAre(testing::NanSensitiveDoubleEq(expected[i])));
-    }
 }
 
 } // namespace

@@ -124,24 +124,6 @@ TEST_F(CsvFiles, ALongLineIsOneRow)
     EXPECT_TRUE(cells[0] == field && cells[1] == "1" && cells[2] == "2" && cells[3] == field);
 }
 
-TEST_F(CsvFiles, ManyPiecesAreOneText)
-{
-    // Longer than what is read at once, with lines that lie across.
-    std::string text;
-    std::int64_t sum = 0;
-    for (std::int32_t i = 0; i < 200000; ++i) {
-        text += std::to_string(i) + "\n";
-        sum += i;
-    }
-    DataFrame table;
-    ASSERT_EQ(table.ReadCSV<std::int64_t>(folder.Write("pieces.csv", text), false, ","), 0);
-    ASSERT_EQ(table.RowCount(), 200000U);
-    for (const std::int64_t cell : table.To1DVector<std::int64_t>()) {
-        sum -= cell;
-    }
-    EXPECT_EQ(sum, 0);
-}
-
 TEST_F(CsvFiles, APipeIsReadToItsEnd)
 {
     const std::string path = folder.Path("pipe");

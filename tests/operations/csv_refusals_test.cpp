@@ -73,79 +73,48 @@ INSTANTIATE_TEST_SUITE_P(Cases, CsvRefusals, testing::ValuesIn(REFUSAL_CASES),
 
 // ---- The words of the two forms
 
-/// Reads int32 columns by either form.
-ErrorCode ReadIntegers(DataFrame& table, bool isUniform, const std::string& path, const std::string& separator)
+TEST(CsvForms, HaveTheirOwnWordsForEachReason)
 {
-    return isUniform ? table.ReadCSV<std::int32_t>(path, false, separator)
-                     : table.ReadCSV(path, {TESSERA_INT32, TESSERA_INT32}, false, separator);
-}
-
-class CsvForms : public testing::TestWithParam<bool> {
-protected:
-    std::string Either(const std::string& typed, const std::string& uniform) const
-    {
-        return GetParam() ? uniform : typed;
-    }
     const TemporaryFolder folder;
-    const std::string path = folder.Write("two.csv", "1,2\n3,4\n");
-};
-
-TEST_P(CsvForms, RefuseAFailedTable)
-{
-    DataFrame table;
-    table.SetError({13, "before"});
-    const LogCapture log;
-    EXPECT_EQ(ReadIntegers(table, GetParam(), path, ","), 13);
-    EXPECT_THAT(log.Texts(1),
-        ElementsAre(Either(
-            "Failed to read csv, invalid dataframe 13 while reading csv", "Failed to read csv, invalid dataframe 13")));
-    EXPECT_EQ(table.GetError().message, "before");
-}
-
-TEST_P(CsvForms, RefuseATableWithColumns)
-{
-    DataFrame table = TableOf(Column<double>("d", {1.0, 2.0, 3.0}));
-    const LogCapture log;
-    EXPECT_EQ(ReadIntegers(table, GetParam(), path, ","), 2);
-    EXPECT_THAT(log.Texts(1),
-        ElementsAre(Either("Failed to read, dataFrame is not empty, row size 3, col size 1",
-            "Failed to read csv, dataFrame is not empty, row size 3, col size 1")));
-    EXPECT_THAT(table.To1DVector<double>(), ElementsAre(1.0, 2.0, 3.0));
-}
-
-TEST_P(CsvForms, RefuseAnEmptySeparator)
-{
-    DataFrame table;
-    const LogCapture log;
-    EXPECT_EQ(ReadIntegers(table, GetParam(), folder.Path("missing"), ""), 2);
-    EXPECT_THAT(log.Texts(1), ElementsAre(Either("Empty separator while reading csv", "Empty separator")));
-}
-
-TEST_P(CsvForms, RefuseAPathThatLeadsNowhere)
-{
-    DataFrame table;
-    const LogCapture log;
-    const std::string missing = folder.Path("missing");
-    EXPECT_EQ(ReadIntegers(table, GetParam(), missing, ","), 2);
-    EXPECT_THAT(log.Texts(1),
-        ElementsAre(Either("Invalid file path " + missing + " in function ReadCSV", "Invalid file path")));
-}
-
-TEST_P(CsvForms, TellOfAFileWithoutContent)
-{
-    DataFrame table;
-    const LogCapture log;
+    const std::string good = folder.Write("two.csv", "1,2\n3,4\n");
     const std::string empty = folder.Write("empty.csv", "\r\n\n");
-    EXPECT_EQ(ReadIntegers(table, GetParam(), empty, ","), 2);
-    EXPECT_THAT(log.Texts(1),
-        ElementsAre("Empty vector",
-            Either("Failed to read data form " + empty + " while reading csv", "Failed to read data form")));
-    EXPECT_EQ(ReadIntegers(table, GetParam(), path, ","), 0); // nothing was stored
-    EXPECT_THAT(table.To1DVector<std::int32_t>(), ElementsAre(1, 2, 3, 4));
+    const std::string missing = folder.Path("missing");
+    const DataFrame healthy;
+    const DataFrame full = TableOf(Column<double>("d", {1.0, 2.0, 3.0}));
+    DataFrame failed;
+    failed.SetError({13, "before"});
+    const struct {
+        const DataFrame& table;
+        std::string path;
+        const char* separator;
+        ErrorCode code;
+        std::string typed; ///< words of the form with a list of types
+        std::string uniform;
+    } cases[] = {
+        {failed, good, ",", 13, "Failed to read csv, invalid dataframe 13 while reading csv",
+            "Failed to read csv, invalid dataframe 13"},
+        {full, good, ",", 2, "Failed to read, dataFrame is not empty, row size 3, col size 1",
+            "Failed to read csv, dataFrame is not empty, row size 3, col size 1"},
+        {healthy, missing, "", 2, "Empty separator while reading csv", "Empty separator"},
+        {healthy, missing, ",", 2, "Invalid file path " + missing + " in function ReadCSV", "Invalid file path"},
+        {healthy, empty, ",", 2, "Failed to read data form " + empty + " while reading csv",
+            "Failed to read data form"},
+    };
+    for (const auto& [given, path, separator, code, typed, uniform] : cases) {
+        for (const bool isUniform : {false, true}) {
+            DataFrame table;
+            table.ShallowCopy(given);
+            const LogCapture log;
+            EXPECT_EQ(isUniform ? table.ReadCSV<std::int32_t>(path, false, separator)
+                                : table.ReadCSV(path, {TESSERA_INT32, TESSERA_INT32}, false, separator),
+                code);
+            EXPECT_EQ(log.Texts(1).back(), isUniform ? uniform : typed);
+            EXPECT_EQ(log.Count(1), path == empty ? 2U : 1U) << "\"Empty vector\" before";
+            EXPECT_EQ(table.GetError().message, given.GetError().message);
+            EXPECT_EQ(table.ColumnCount(), given.ColumnCount());
+        }
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    TypedAndUniform, CsvForms, testing::Bool(), [](const auto& tested) { return tested.param ? "Uniform" : "Typed"; });
 
 TEST(CsvCells, AreNotReadWithoutSeparatorOrFile)
 {
@@ -212,30 +181,24 @@ TEST(CsvFromCellsToAFailedTable, IsRefused)
 
 // ---- Short of memory
 
-/// Runs a call again and again, each time with another allocation failing. It must give 3 then, and check() that all is
-/// as it was, until there are no more allocations. The call is handed a copy of the path, which it may consume.
+/// Each allocation of a call fails once. It must give 3 then, and check() that all is as it was. The call is handed a
+/// copy of the path, which it may consume.
 template <typename Call, typename Check>
 void FailEachAllocation(const std::string& path, Call&& call, Check&& check)
 {
-    constexpr unsigned int MANY = 1000;
-    for (unsigned int spared = 0; spared < MANY; ++spared) {
+    for (AllocationRounds rounds; rounds.Next();) {
         std::string consumed = path;
         ErrorCode code = 0;
-        bool hasFailed = false;
         {
-            const FailingAllocation failing(spared);
+            const FailingAllocation failing(rounds.Spared());
             code = call(std::move(consumed));
-            hasFailed = FailingAllocation::HasFailed();
         }
-        if (!hasFailed) {
-            EXPECT_EQ(code, 0);
-            EXPECT_GT(spared, 5U);
-            return;
+        const bool hasFailed = FailingAllocation::HasFailed();
+        ASSERT_EQ(code, hasFailed ? 3 : 0) << "allocation " << rounds.Spared();
+        if (hasFailed) {
+            ASSERT_NO_FATAL_FAILURE(check());
         }
-        ASSERT_EQ(code, 3) << "allocation " << spared;
-        ASSERT_NO_FATAL_FAILURE(check());
     }
-    FAIL() << "still allocating";
 }
 
 const std::string LONG_CELL(100, 'c');

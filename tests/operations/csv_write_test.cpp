@@ -99,66 +99,6 @@ TEST(CsvLargerThanTheBuffer, IsTheJoinedCast)
     }
 }
 
-// ---- Round trips
-
-const DataFrame::Types ALL_TYPES = {TESSERA_BOOL, TESSERA_INT8, TESSERA_UINT8, TESSERA_INT16, TESSERA_UINT16,
-    TESSERA_INT32, TESSERA_UINT32, TESSERA_INT64, TESSERA_UINT64, TESSERA_FLOAT, TESSERA_DOUBLE, TESSERA_STRING,
-    TESSERA_DATETIME};
-
-template <typename T>
-testing::AssertionResult IsSameColumn(const DataFrame& left, const DataFrame& right)
-{
-    constexpr auto K = static_cast<unsigned int>(TYPE_ID_OF<T>);
-    return AreSame<T>(CellsOf<T>(left.GetColumn(K)->GetIterator()), CellsOf<T>(right.GetColumn(K)->GetIterator()));
-}
-
-template <typename T>
-void ExpectSixDigits(const DataFrame& left, const DataFrame& right)
-{
-    constexpr auto K = static_cast<unsigned int>(TYPE_ID_OF<T>);
-    const std::vector<T> written = CellsOf<T>(left.GetColumn(K)->GetIterator());
-    const std::vector<T> read = CellsOf<T>(right.GetColumn(K)->GetIterator());
-    for (std::size_t i = 0; i < written.size(); ++i) {
-        EXPECT_NEAR(written[i], read[i], std::abs(written[i]) * T(5.1e-6));
-    }
-}
-
-TEST(CsvRoundTrip, GivesTheCellsBack)
-{
-    const TemporaryFolder folder;
-    const DataFrame written = TableOfAllTypes(500);
-    for (const char* separator : {",", ";;", "aab"}) {
-        ASSERT_EQ(written.ToCSV(folder.Path("trip.csv"), true, separator), 0);
-        DataFrame read;
-        ASSERT_EQ(read.ReadCSV(folder.Path("trip.csv"), ALL_TYPES, true, separator), 0);
-        EXPECT_EQ(read.GetColumnName(), written.GetColumnName());
-        EXPECT_TRUE(IsSameColumn<bool>(written, read));
-        EXPECT_TRUE(IsSameColumn<std::int8_t>(written, read));
-        EXPECT_TRUE(IsSameColumn<std::uint8_t>(written, read));
-        EXPECT_TRUE(IsSameColumn<std::int16_t>(written, read));
-        EXPECT_TRUE(IsSameColumn<std::uint16_t>(written, read));
-        EXPECT_TRUE(IsSameColumn<std::int32_t>(written, read));
-        EXPECT_TRUE(IsSameColumn<std::uint32_t>(written, read));
-        EXPECT_TRUE(IsSameColumn<std::int64_t>(written, read));
-        EXPECT_TRUE(IsSameColumn<std::uint64_t>(written, read));
-        EXPECT_TRUE(IsSameColumn<std::string>(written, read));
-        EXPECT_TRUE(IsSameColumn<DateTime>(written, read));
-        ExpectSixDigits<float>(written, read);
-        ExpectSixDigits<double>(written, read);
-    }
-}
-
-TEST(CsvRoundTrip, SplitsACellThatHoldsTheSeparator)
-{
-    const TemporaryFolder folder;
-    const DataFrame written = TableOf(Column<std::string>("s", {"a,b", "c,d"}));
-    ASSERT_EQ(written.ToCSV(folder.Path("split.csv"), false, ","), 0);
-    DataFrame read;
-    ASSERT_EQ(read.ReadCSV<std::string>(folder.Path("split.csv"), false, ","), 0);
-    EXPECT_THAT(read.To1DVector<std::string>(), ElementsAre("a", "b", "c", "d"));
-    EXPECT_EQ(read.ColumnCount(), 2U);
-}
-
 TEST(CsvWithoutRows, IsItsHeader)
 {
     const TemporaryFolder folder;

@@ -5,6 +5,7 @@
 #include "tessera/core/handles.h"
 #include "tessera/tessera.hpp"
 #include "tests/support/log_capture.h"
+#include "tests/support/sample_columns.h"
 
 namespace MERVO::Tessera {
 namespace {
@@ -23,24 +24,11 @@ std::string Shown(const DataFrameView& table)
     return testing::internal::GetCapturedStdout();
 }
 
-template <typename T>
-SeriesPtr Column(const std::string& name, const std::vector<T>& cells, ContainerID container = CONTAINER_ARRAY)
-{
-    SeriesPtr column = BuildSeries({static_cast<std::uint32_t>(cells.size()), container, TYPE_ID_OF<T>}, name);
-    for (std::uint32_t i = 0; i < cells.size(); ++i) {
-        EXPECT_TRUE(SetValueToIterator<T>(column->GetIterator(), cells[i], i));
-    }
-    return column;
-}
-
 DataFrame Readings()
 {
-    DataFrame::Columns columns;
-    columns.push_back(Column<std::string>("place", {"north", "a very long name of a southern place"}));
-    columns.push_back(Column<double>("celsius", {21.5, -1234567.0}));
-    columns.push_back(Column<bool>("valid", {true, false}));
-    columns.push_back(Column<std::int8_t>("level", {65, -7}, CONTAINER_LIST));
-    return DataFrame(std::move(columns));
+    return TableOf(Column<std::string>("place", {"north", "a very long name of a southern place"}),
+        Column<double>("celsius", {21.5, -1234567.0}), Column<bool>("valid", {true, false}),
+        Column<std::int8_t>("level", {65, -7}, CONTAINER_LIST));
 }
 
 TEST(PrintedTable, AlignsAndCuts)

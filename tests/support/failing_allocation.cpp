@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <new>
 
+#include <gtest/gtest.h>
+
 namespace {
 
 constexpr unsigned int NEVER = 0xFFFFFFFFU;
@@ -44,6 +46,16 @@ FailingAllocation::FailingAllocation(unsigned int spared, std::size_t fromBytes)
 FailingAllocation::~FailingAllocation() { sparedAllocations = NEVER; }
 
 bool FailingAllocation::HasFailed() { return hasFailed; }
+
+bool AllocationRounds::Next()
+{
+    constexpr unsigned int MANY = 1000;
+    if (rounds == MANY) {
+        ADD_FAILURE() << "still allocating";
+        return false;
+    }
+    return rounds++ == 0 || hasFailed;
+}
 
 } // namespace MERVO::Tessera
 

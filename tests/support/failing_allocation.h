@@ -19,4 +19,15 @@ public:
     static bool HasFailed();
 };
 
+/// Counts through all allocations of a call: `for (AllocationRounds rounds; rounds.Next();)` with a
+/// FailingAllocation(rounds.Spared()) around the call. The last round is the first in which nothing failed.
+class AllocationRounds {
+public:
+    bool Next();
+    unsigned int Spared() const { return rounds - 1; }
+
+private:
+    unsigned int rounds = 0;
+};
+
 } // namespace MERVO::Tessera

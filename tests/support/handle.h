@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include "tessera/tessera.hpp"
 
 namespace MERVO::Tessera {
@@ -8,14 +10,14 @@ namespace MERVO::Tessera {
 class Handle {
 public:
     Handle() : context(MERVO_TSR_CreateDF()) {}
-    explicit Handle(const DataFrame& table) : Handle() { *context->dataFrame = table; }
+    explicit Handle(DataFrame table) : Handle() { *context->dataFrame = std::move(table); }
     explicit Handle(const DataFrameRef& window) : context(new MERVO_TSR_CONTEXT{nullptr, new DataFrameRef(window)}) {}
     Handle(const Handle&) = delete;
     Handle& operator=(const Handle&) = delete;
-    ~Handle() { MERVO_TSR_Release(&context); }
+    ~Handle() { EXPECT_EQ(MERVO_TSR_Release(&context), 0); }
 
     MERVO_TSR_CONTEXT* Get() const { return context; }
-    const DataFrame& Table() const { return *context->dataFrame; }
+    DataFrame& Table() const { return *context->dataFrame; }
 
 private:
     MERVO_TSR_CONTEXT* context;

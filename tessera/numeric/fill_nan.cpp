@@ -1,0 +1,95 @@
+#include "tessera/numeric/fill_nan.h"
+
+#include <iterator>
+
+#include "tessera/core/data_frame.h"
+#include "tessera/core/date_time.h"
+#include "tessera/functors/copy_series.h"
+#include "tessera/numeric/gaps.h"
+
+namespace MERVO::Tessera::Func {
+namespace {
+
+/// Copies elements, each NaN as what was written last; a NaN in front stays.
+template <typename From, typename To>
+void CarryOn(From from, To to, std::uint32_t count)
+{
+    if (count == 0) {
+        return;
+    }
+    auto last = *from;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        last = from[i] == from[i] ? from[i] : last;
+        to[i] = last;
+    }
+}
+
+ErrorCode RefuseType(bool isForward, const char* type, bool isArray)
+{
+    LogError("dataframe %s does not support %s%s", isForward ? "ffill" : "bfill", type, isArray ? " type" : "");
+    return ERROR_GENERAL;
+}
+
+} // namespace
+
+template <ContainerID CID>
+std::string FillNanBase<CID>::GetName() const
+{
+    return "FillNan";
+}
+
+template <ContainerID CID>
+SeriesAttr FillNanBase<CID>::GetDstAttr(const Cursor& src) const
+{
+    return src->GetAttr();
+}
+
+template <ContainerID CID>
+bool FillNanBase<CID>::CheckParams(const Cursor& src, const Cursor& dst) const
+{
+    const std::uint32_t length = src->Length();
+    return isKnown && src->GetAttr().typeId == dst->GetAttr().typeId && length == dst->Length() && length != 0;
+}
+
+template <ContainerID CID>
+template <typename T>
+ErrorCode FillNanBase<CID>::OnExecuteSIMD(const Cursor& src, const Cursor& dst) const
+{
+    if constexpr (std::is_floating_point_v<T>) {
+        const T* const from = CursorAs<CONTAINER_ARRAY, T>(src).mHead;
+        T* const to = CursorAs<CONTAINER_ARRAY, T>(dst).mHead;
+        const std::uint32_t count = std::min(src->Length(), dst->Length());
+        if (isForward) {
+            CarryOn(from, to, count);
+        } else {
+            CarryOn(std::reverse_iterator(from + count), std::reverse_iterator(to + count), count);
+        }
+        return ERROR_NONE;
+    } else {
+        return ERROR_GENERAL;
+    }
+}
+
+template <ContainerID CID>
+template <typename T>
+ErrorCode FillNanBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
+{
+    if constexpr (std::is_floating_point_v<T>) {
+        CopyAndFillGaps<T>(
+            src, dst, [forward = isForward](const Gap<T>& gap, T) { return forward ? gap.before : gap.after; });
+        return ERROR_NONE;
+    } else if constexpr (std::is_same_v<T, bool>) {
+        return RefuseType(isForward, "bool", src->IsMemoryContiguous());
+    } else if constexpr (std::is_same_v<T, DataFrame>) {
+        return RefuseType(isForward, "DataFrame", src->IsMemoryContiguous());
+    } else {
+        return CopySeries<CONTAINER_ARRAY>().ProcessSeries(src, dst, true).code;
+    }
+}
+
+template class FillNanBase<CONTAINER_ARRAY>;
+template class Unary<FillNanBase<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+template class FillNan<CONTAINER_ARRAY, std::string&>;
+template class FillNan<CONTAINER_ARRAY, std::string_view>;
+
+} // namespace MERVO::Tessera::Func
