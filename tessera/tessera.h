@@ -165,6 +165,15 @@ MERVO_TSR_API int32_t MERVO_TSR_GetResultDateTime(MERVO_TSR_CONTEXT* handle, MER
 MERVO_TSR_API int32_t MERVO_TSR_GetResultDataFrame(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result);
 
 /**
+ * Copies all cells of a table or window. What dst held before, also a failure, is replaced.
+ * @param dst a table; receives n rows by c columns, named as in src.
+ * @param src n rows by c columns; only read, and may be a window on dst.
+ * @return dst's code: 0, or 33: src fails its check, or dst holds no table; src's own if it failed before; 2: columns
+ *         that are no arrays; 5: a window whose columns its table has replaced; 3: no memory.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_DeepCopy(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+
+/**
  * Casts every column of a table to one value type.
  *
  * Numbers convert as in C, wrapping to the target's width; NaN becomes 0 and values beyond the range of a 32-bit (for

@@ -19,6 +19,7 @@
 #include "tessera/functors/functor_factory.h"
 #include "tessera/functors/logic.h"
 #include "tessera/functors/table_operators.h"
+#include "tessera/functors/to_array.h"
 #include "tessera/functors/type_cast.h"
 #include "tessera/numeric/dispersion.h"
 #include "tessera/numeric/extrema.h"
@@ -31,4 +32,5 @@
 #include "tessera/numeric/rolling.h"
 #include "tessera/numeric/skew_kurt.h"
 #include "tessera/numeric/sum.h"
+#include "tessera/platform/array_record.h"
 #include "tessera/tessera.h"

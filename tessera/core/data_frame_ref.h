@@ -8,6 +8,7 @@
 #include "tessera/core/data_frame_view.h"
 #include "tessera/core/factories.h"
 #include "tessera/core/vector_exchange.h"
+#include "tessera/platform/array_record.h"
 
 namespace MERVO::Tessera {
 
@@ -101,6 +102,22 @@ public:
     {
         return VectorExchange<T>::Write1D(*this);
     }
+
+    /**
+     * Copies a column of the window to a caller's array of `size` elements, from the first row on, until either ends.
+     *
+     * A bool takes a byte. For strings, stamps and tables `data` points to constructed objects, which are assigned to.
+     * @param type   the array's element type, which must be the column's.
+     * @param column counted from the window's first.
+     * @return 0, or 5, told by the log: a failed table or one without columns, no array, no such column, another type;
+     *         or a window whose column is gone or got shorter. Nothing is stored in the table.
+     */
+    [[nodiscard]] ErrorCode ColumnToArray(
+        void* data, MERVO_TESSERA_TYPEID type, unsigned int size, unsigned int column) const;
+    /// The window's cells in one block, column after column, though its shape tells the rows first: (r, c) stands at
+    /// r + rows * c. The empty record, with an error in the log, for a table that failed before or is not of numbers or
+    /// bools of one type, or has no cells, and where memory is short.
+    operator NdData() const;
 
     /**
      * The window with its rows as columns, named "col_" and the row's number. Rows are counted from the first of the

@@ -195,6 +195,7 @@ protected:
         return recorded;
     }
 
+public:
     static void Settle(const std::string& name, const Digest& digest)
     {
         if (const char* path = std::getenv("TESSERA_DIGEST_FILE")) {
@@ -203,6 +204,7 @@ protected:
         EXPECT_EQ(digest.Hex(), Recorded()[name]) << "of " << name;
     }
 
+private:
     const LogCapture log; // some casts fail, by intention
     std::string zone;
 };
@@ -252,30 +254,98 @@ TEST_F(Digests, OfCasts)
     });
 }
 
+/// Settles, for each type but nested tables, what functors make of columns of random cells.
+void SettleFunctors(const std::string& family, const std::vector<UnaryFactory>& makers)
+{
+    ForEachFlatType([&]<typename T>(std::type_identity<T>) {
+        Digest digest;
+        AddResults<T>(digest, makers);
+        Digests::Settle(family + "_" + GetTypeNameById(TYPE_ID_OF<T>), digest);
+    });
+}
+
+template <template <ContainerID, typename...> class F, typename... Arguments>
+UnaryFactory Make(Arguments... arguments)
+{
+    return Func::FunctorFactory<F, Func::UnaryBase, Arguments...>{arguments...};
+}
+
+using Count = std::uint32_t;
+
 TEST_F(Digests, OfReductions)
 {
     using namespace Func;
-    const std::vector<UnaryFactory> makers{FunctorFactory<Sum, UnaryBase>{}, FunctorFactory<Mean, UnaryBase>{},
-        FunctorFactory<Max, UnaryBase>{}, FunctorFactory<Min, UnaryBase>{}, FunctorFactory<Ptp, UnaryBase>{},
-        FunctorFactory<IdxMax, UnaryBase>{}};
-    ForEachFlatType([&makers]<typename T>(std::type_identity<T>) {
-        Digest digest;
-        AddResults<T>(digest, makers);
-        Settle("reduce_" + GetTypeNameById(TYPE_ID_OF<T>), digest);
-    });
+    SettleFunctors("reduce", {Make<Sum>(), Make<Mean>(), Make<Max>(), Make<Min>(), Make<Ptp>(), Make<IdxMax>()});
+}
+
+TEST_F(Digests, OfDispersion)
+{
+    using namespace Func;
+    std::vector<UnaryFactory> makers{Make<Var, Count>(0), Make<Var, Count>(1), Make<Std, Count>(1)};
+    for (Count order = 0; order < 6; ++order) {
+        makers.push_back(Make<Moment, Count>(order));
+        makers.push_back(Make<Kstat, Count>(order));
+    }
+    for (const bool bias : {false, true}) {
+        for (const bool skipNan : {false, true}) {
+            makers.push_back(Make<Skew, bool, bool>(skipNan, bias));
+            makers.push_back(Make<Kurt, bool, bool>(skipNan, bias));
+        }
+    }
+    SettleFunctors("dispersion", makers);
+}
+
+TEST_F(Digests, OfRollingWindows)
+{
+    using namespace Func;
+    std::vector<UnaryFactory> makers;
+    for (const Count window : {1U, 2U, 9U, 50U}) {
+        for (const Count least : {Count{0}, Count{2}, RollingParam::NO_GAPS}) {
+            makers.push_back(Make<RollingSum, Count, bool, Count>(window, false, least));
+            makers.push_back(Make<RollingMean, Count, bool, Count>(window, true, least));
+        }
+    }
+    SettleFunctors("rolling", makers);
 }
 
 TEST_F(Digests, OfMissingValues)
 {
     using namespace Func;
-    const std::vector<UnaryFactory> makers{FunctorFactory<IsNan, UnaryBase>{}, FunctorFactory<IsNanInt, UnaryBase>{},
-        FunctorFactory<FillNan, UnaryBase, const char*>{"ffill"},
-        FunctorFactory<FillNan, UnaryBase, const char*>{"bfill"},
-        FunctorFactory<ReplaceNan, UnaryBase, const char*>{"0.1"}, FunctorFactory<Interpolate, UnaryBase>{}};
-    ForEachFlatType([&makers]<typename T>(std::type_identity<T>) {
+    SettleFunctors("missing",
+        {Make<IsNan>(), Make<IsNanInt>(), Make<FillNan, const char*>("ffill"), Make<FillNan, const char*>("bfill"),
+            Make<ReplaceNan, const char*>("0.1"), Make<Interpolate>()});
+}
+
+TEST_F(Digests, OfOperators)
+{
+    using Operation = DataFrame (*)(const DataFrameRef&, const DataFrameRef&);
+    const Operation operations[] = {
+        [](auto& left, auto& right) { return left + right; },
+        [](auto& left, auto& right) { return left - right; },
+        [](auto& left, auto& right) { return left * right; },
+        [](auto& left, auto& right) { return left / right; },
+        [](auto& left, auto& right) { return left % right; },
+        [](auto& left, auto& right) { return left > right; },
+        [](auto& left, auto& right) { return left >= right; },
+        [](auto& left, auto& right) { return left < right; },
+        [](auto& left, auto& right) { return left <= right; },
+        [](auto& left, auto& right) { return left == right; },
+        [](auto& left, auto& right) { return left != right; },
+        [](auto& left, auto& right) { return (left > right) && (left < right + right); },
+        [](auto& left, auto& right) { return !(left > right) || (right > left); },
+    };
+    ForEachFlatType([&]<typename T>(std::type_identity<T>) {
+        const DataFrame table = RandomTable<T>(999, 4);
         Digest digest;
-        AddResults<T>(digest, makers);
-        Settle("missing_" + GetTypeNameById(TYPE_ID_OF<T>), digest);
+        for (const Operation operation : operations) {
+            const DataFrameRef left = table.Slice({3, 990}, {0, 2});
+            for (const DataFrameRef& right : {table.Slice({7, 994}, {2, 4}), table.Slice({0, 1}, {2, 4}),
+                     table.Slice({7, 994}, {3, 4}), table.Slice({11, 12}, {1, 2})}) {
+                AddTable(digest, operation(left, right));
+                AddTable(digest, operation(right, left));
+            }
+        }
+        Settle("operators_" + GetTypeNameById(TYPE_ID_OF<T>), digest);
     });
 }
 
@@ -329,6 +399,17 @@ TEST_F(Digests, OfCsvText)
     AddTable(digest, again);
     std::remove(path.c_str());
     Settle("csv", digest);
+}
+
+TEST_F(Digests, OfArrays)
+{
+    Digest digest;
+    ForEachFlatType([&digest]<typename T>(std::type_identity<T>) {
+        const NdData array = RandomTable<T>(1000, 3).Slice({3, 999}, {1, 3});
+        digest.AddBytes(array.data.get(), array.data == nullptr ? 0 : 996 * 2 * sizeof(T));
+        digest.Add(array.dtype);
+    });
+    Settle("arrays", digest);
 }
 
 } // namespace

@@ -90,144 +90,26 @@ TEST(TableApply, MakesDuplicatedNamesUnique)
     EXPECT_EQ(table["a"].GetError().code, 5);
 }
 
-TEST(TableApplyUnary, AnswersEachFailureWithItsCode)
+TEST(TableApplyUnary, KeepsTheColumnsThatItReplacedBeforeAFailure)
 {
-    Script refusing;
-    refusing.isAccepting = false;
-    const struct {
-        const char* name;
-        DataFrameRef source;
-        Script script;
-        Outcome outcome;
-        std::int32_t firstCell; ///< of the destination afterwards
-    } cases[] = {
-        {"a failed source", FailedTable(9), Script(),
-            {9, "", 4, "Input dataFrame is invalid on applying unary functor: Scripted."}, 0},
-        {"a source without columns", DataFrame(), Script(),
-            {7, "", 3, "Input dataFrame is zero-column when applying unary functor: Scripted."}, 0},
-        {"another container", LetteredTable(2).Slice(1, {1, 2}), Shaped(AsList),
-            {2, "", 1, "Functor Scripted can not change the container type 0 to 1"}, 0},
-        {"a list, for which there is no functor", LetteredTable(2, CONTAINER_LIST), Script(),
-            {2, "", 1, "Functor Scripted can not change the container type 1 to -1"}, 0},
-        {"no value type", LetteredTable(2), Shaped(AsNoType),
-            {5, "nullptr error in unary functorScripted", 1, "Getting Iterator from error Series"}, 0},
-        {"parameters refused", LetteredTable(2), refusing,
-            {21, "Check param failed in functor: Scripted", 1, "Functor Scripted check param error, src [size 5"}, 0},
-        {"a failing kernel", LetteredTable(2), FailingAfter(0),
-            {12, "Error on calling functor: Scripted", 1, "set df error 12"}, 0},
-        {"a kernel that fails later, behind a replaced column", LetteredTable(3).Slice(1, {1, 3}), FailingAfter(1),
-            {12, "Error on calling functor: Scripted", 1, "set df error 12"}, 200},
-    };
-    for (const auto& [name, source, script, outcome, firstCell] : cases) {
-        SCOPED_TRACE(name);
-        DataFrame table = LetteredTable(3);
-        Script copy = script;
-        const LogCapture log;
-        const ErrorCode code = table.ApplyInplace(ScriptedFactory(copy), source);
-        ExpectOutcome(outcome, code, table, log);
-        EXPECT_EQ(table.ColumnCount(), 3U);
-        EXPECT_EQ(CellsOf<std::int32_t>(table.GetColumn(0)->GetIterator())[0], firstCell);
-        EXPECT_EQ(CellsOf<std::int32_t>(table.GetColumn(2)->GetIterator())[1], 401);
-    }
-    DataFrame failed = FailedTable(8);
-    Script script;
-    const LogCapture log;
-    EXPECT_EQ(failed.ApplyInplace(ScriptedFactory(script), FailedTable(9)), 8);
-    EXPECT_TRUE(log.Has(4, "Apply unary functor: Scripted on invalid dataframe"));
-    EXPECT_EQ(failed.GetError().message, "it failed");
-    EXPECT_EQ(script.runs, 0);
+    DataFrame table = LetteredTable(3);
+    Script script = FailingAfter(1);
+    EXPECT_EQ(table.ApplyInplace(ScriptedFactory(script), LetteredTable(3).Slice(1, {1, 3})), 12);
+    EXPECT_EQ(ColumnsOf(table), (Cells{{200, 202, 204, 206, 208}, {100, 101, 102, 103, 104}, ColumnsOf(table)[2]}));
+    EXPECT_EQ(table.ColumnCount(), 3U);
 }
 
-TEST(TableApplyNullary, RunsOnItsColumnsAndAnswersFailures)
+TEST(TableApplyNullary, RunsOnItsColumns)
 {
     DataFrame table = LetteredTable(2);
     Script script;
     EXPECT_EQ(table.ApplyInplace(RaiseFactory(script)), 0);
     EXPECT_EQ(ColumnsOf(table)[1], (Row{1100, 1101, 1102, 1103, 1104}));
-    Script refusing;
-    refusing.isAccepting = false;
-    const struct {
-        const char* name;
-        DataFrame table;
-        Script script;
-        Outcome outcome;
-    } cases[] = {
-        {"no columns", DataFrame(), Script(),
-            {0, "", 3, "Input dataFrame is zero-column on applying unary functor: Raise."}},
-        {"another container", LetteredTable(1), Shaped(AsList),
-            {18, "dst container type cannot be determinated", 1, "set df error 18"}},
-        {"a list", LetteredTable(1, CONTAINER_LIST), Script(),
-            {18, "dst container type cannot be determinated", 1, "Trying to get attribute of an error functor"}},
-        {"parameters refused", LetteredTable(1), refusing,
-            {21, "Check param failed in functor: Raise", 1, "Functor Raise check param error"}},
-        {"a failing kernel", LetteredTable(1), FailingAfter(0),
-            {12, "Error on calling functor: Raise", 1, "set df error 12"}},
-    };
-    for (const auto& [name, held, wanted, outcome] : cases) {
-        SCOPED_TRACE(name);
-        DataFrame copy;
-        copy.ShallowCopy(held);
-        Script ownScript = wanted;
-        const LogCapture log;
-        const ErrorCode code = copy.ApplyInplace(RaiseFactory(ownScript));
-        ExpectOutcome(outcome, code, copy, log);
-    }
-    DataFrame failed = FailedTable(8);
-    EXPECT_EQ(failed.ApplyInplace(RaiseFactory(script)), 8);
     // A walk ends with a refreshed view, so a length that a functor keeps may differ from what it says.
     script.shape = AsOneCell;
-    DataFrame duplicated = LetteredTable(2);
-    ASSERT_EQ(duplicated.SetColumnName({"x", "x"}), 0);
-    EXPECT_EQ(duplicated.ApplyInplace(RaiseFactory(script)), 0);
-    EXPECT_EQ(duplicated.GetColumn(1)->GetName(), "x_1");
-}
-
-TEST(TableApplyBinary, AnswersEachFailureWithItsCode)
-{
-    const DataFrame two = LetteredTable(2);
-    const DataFrame three = LetteredTable(3);
-    const char* const noColumns = "input of binary apply inplace is zero-column Dataframe with functor: Minus";
-    const struct {
-        const char* name;
-        DataFrameRef lhs;
-        DataFrameRef rhs;
-        Script script;
-        Outcome outcome;
-    } cases[] = {
-        {"a left side without columns", DataFrame(), two, Script(), {7, "", 1, noColumns}},
-        {"a right side without columns", two, DataFrame(), Script(), {7, "", 1, noColumns}},
-        {"counts that can't broadcast", three, two, Script(),
-            {19, "Cannot broadcast between two inputs, lhs.shape[1] = 3, rhs.shape[1] = 2", 1, "set df error 19"}},
-        {"another container, N vs N", two, two, Shaped(AsList),
-            {2, "", 1, "Functor Minus should not change the container type from 0 to 1"}},
-        {"another container, 1 vs N", two["a"], two, Shaped(AsList),
-            {2, "", 1, "Functor Minus should not change the container type 0 to 1"}},
-        {"another container, N vs 1", two, two["a"], Shaped(AsList),
-            {2, "", 1, "Functor Minus should not change the container type 0 to 1"}},
-        {"other rows", two, two[Range{0, 3}], Script(),
-            {21, "Check param failed in binary functorMinus", 1, "Functor Minus check param error, lhs [size 5"}},
-        {"no value type", two, two, Shaped(AsNoType),
-            {5, "nullptr error in binary functorMinus", 1, "Getting Iterator from error Series"}},
-        {"a failing kernel", two["a"], two, FailingAfter(1),
-            {12, "Error on calling functor: Minus", 1, "set df error 12"}},
-    };
-    for (const auto& [name, lhs, rhs, script, outcome] : cases) {
-        SCOPED_TRACE(name);
-        DataFrame table = LetteredTable(3);
-        Script copy = script;
-        const LogCapture log;
-        const ErrorCode code = table.ApplyInplace(MinusFactory(copy), lhs, rhs);
-        ExpectOutcome(outcome, code, table, log);
-        EXPECT_EQ(table.ColumnCount(), 3U);
-    }
-    Script script;
-    DataFrame failed = FailedTable(8);
-    EXPECT_EQ(failed.ApplyInplace(MinusFactory(script), FailedTable(9), two), 8);
-    DataFrame table;
-    EXPECT_EQ(table.ApplyInplace(MinusFactory(script), FailedTable(9), FailedTable(8)), 9);
-    EXPECT_EQ(table.ApplyInplace(MinusFactory(script), two, FailedTable(8)), 8);
-    EXPECT_EQ(table.GetError().code, 0);
-    EXPECT_EQ(script.runs, 0);
+    ASSERT_EQ(table.SetColumnName({"x", "x"}), 0);
+    EXPECT_EQ(table.ApplyInplace(RaiseFactory(script)), 0);
+    EXPECT_EQ(table.GetColumn(1)->GetName(), "x_1");
 }
 
 // All ways in which sources of one to three columns may lie on the table that receives, or beside it. Left stays left.

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "tests/functors/scripted_functors.h"
+#include "tests/support/failing_allocation.h"
+#include "tests/support/handle.h"
 
 namespace MERVO::Tessera {
 namespace {
@@ -62,6 +64,36 @@ TEST(DeepCopy, KeepsAFailureInTheCopy)
     EXPECT_EQ(lists.GetError().code, 2);
     EXPECT_EQ(lists.GetError().message, "Copy failed");
     EXPECT_TRUE(log.Has(1, "Functor CopySeries can not change the container type 1 to -1"));
+}
+
+TEST(DeepCopyCall, ReplacesWhatTheTableHeldAndTellsItsCode)
+{
+    const DataFrame source = LetteredTable(3);
+    const Handle whole(source);
+    const Handle window(source[DataFrame::NameRange{"b", "c"}]);
+    const Handle failed(FailedTable(9));
+    const Handle target(LetteredTable(1));
+    const LogCapture log;
+    EXPECT_EQ(MERVO_TSR_DeepCopy(target.Get(), whole.Get()), 0);
+    EXPECT_EQ(ColumnsOf(target.Table()), ColumnsOf(source));
+    EXPECT_EQ(MERVO_TSR_DeepCopy(target.Get(), target.Get()), 0);
+    EXPECT_EQ(ColumnsOf(target.Table()), ColumnsOf(source));
+    EXPECT_EQ(MERVO_TSR_DeepCopy(target.Get(), failed.Get()), 9);
+    EXPECT_EQ(MERVO_TSR_DeepCopy(target.Get(), window.Get()), 0) << "an earlier failure goes with the rest";
+    EXPECT_EQ(ColumnsOf(target.Table()), (Cells{{100, 101, 102, 103, 104}}));
+    {
+        const FailingAllocation shortage(1);
+        EXPECT_EQ(MERVO_TSR_DeepCopy(target.Get(), whole.Get()), 3);
+    }
+
+    const MERVO_TSR_CONTEXT neither{nullptr, nullptr};
+    const std::size_t before = log.Count(1);
+    EXPECT_EQ(MERVO_TSR_DeepCopy(window.Get(), whole.Get()), 33) << "a window can't receive a copy";
+    EXPECT_EQ(MERVO_TSR_DeepCopy(nullptr, whole.Get()), 33);
+    EXPECT_EQ(MERVO_TSR_DeepCopy(target.Get(), nullptr), 33);
+    EXPECT_EQ(MERVO_TSR_DeepCopy(target.Get(), &neither), 33);
+    ASSERT_EQ(log.Count(1), before + 4);
+    EXPECT_EQ(log.Texts(1).back(), "[MERVO_TSR_DeepCopy] Input is nullptr");
 }
 
 } // namespace

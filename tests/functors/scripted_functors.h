@@ -210,6 +210,7 @@ struct Outcome {
     int logLevel; ///< 0: no message at all
     const char* log;
 };
+inline constexpr int UNTOLD = -1; ///< a level for any messages
 
 inline void ExpectOutcome(const Outcome& wanted, ErrorCode code, const DataFrameRef& target, const LogCapture& log)
 {
@@ -217,6 +218,9 @@ inline void ExpectOutcome(const Outcome& wanted, ErrorCode code, const DataFrame
     const bool isStored = *wanted.stored != '\0';
     EXPECT_EQ(target.GetError().code, isStored ? wanted.code : 0);
     EXPECT_EQ(target.GetError().message, isStored ? wanted.stored : "healthy dataframe");
+    if (wanted.logLevel == UNTOLD) {
+        return;
+    }
     if (wanted.logLevel == 0) {
         EXPECT_EQ(log.Count(), isStored ? 1U : 0U) << "only the notice of the stored error";
     } else {

@@ -148,14 +148,6 @@ TEST(TypeCast, RefusesADestinationOfAnotherType)
     EXPECT_TRUE(log.Has(1, "Functor TypeCast check param error, src [size 1, type int32], dst [size 1, type double]"));
 }
 
-TEST(TypeCast, AnswersAMissingColumnWithFive)
-{
-    const SeriesPtr source = Column<std::int32_t>("source", {1});
-    const Error error = CastSeries(source, GetErrorSeries());
-    EXPECT_EQ(error.code, 5);
-    EXPECT_EQ(error.message, "nullptr error in unary functorTypeCast");
-}
-
 template <typename Argument>
 class TypeCastForm : public testing::Test {
 };

@@ -14,11 +14,11 @@ namespace {
 template <typename Real>
 class WindowSums : public testing::Test {
 protected:
-    std::vector<Real> Random(std::size_t count, std::int64_t unitsPerOne)
+    std::vector<Real> Random(std::size_t count)
     {
         std::vector<Real> values(count);
         for (Real& value : values) {
-            value = static_cast<Real>(static_cast<std::int32_t>(random()) / 4096) / static_cast<Real>(unitsPerOne);
+            value = static_cast<Real>(static_cast<std::int32_t>(random())) / Real{1000};
         }
         return values;
     }
@@ -48,7 +48,7 @@ TYPED_TEST(WindowSums, AreAddedInOrder)
 {
     for (std::size_t window = 1; window < 150; ++window) {
         for (const std::size_t count : {1U, 2U, 5U, 31U, 32U, 33U, 64U, 100U}) {
-            const auto values = this->Random(count + window - 1 + WINDOW_SLACK, 1000);
+            const auto values = this->Random(count + window - 1 + WINDOW_SLACK);
             const auto expected = this->Model(values, count, window);
             for (const bool mayGoWide : {false, true}) {
                 std::vector<TypeParam> sums(count + WINDOW_SLACK);
@@ -58,36 +58,6 @@ TYPED_TEST(WindowSums, AreAddedInOrder)
             }
         }
     }
-}
-
-// A group passes over elements of its neighbours' windows, which may be anything.
-TYPED_TEST(WindowSums, KeepTheirElementsApart)
-{
-    const std::size_t window = 40;
-    auto values = this->Random(200 + WINDOW_SLACK, 1000);
-    values[100] = std::numeric_limits<TypeParam>::infinity();
-    std::vector<TypeParam> sums(160 + WINDOW_SLACK);
-    AddWindows(values.data(), 160, window, sums.data());
-    for (std::size_t i = 0; i < 160; ++i) {
-        EXPECT_EQ(std::isinf(sums[i]), i <= 100 && 100 < i + window) << i;
-    }
-}
-
-TYPED_TEST(WindowSums, SlideToTheSameBits)
-{
-    int exact = 0;
-    for (const std::int64_t unitsPerOne : {1, 8, 1024, 1000}) {
-        for (const std::size_t window : {2U, 9U, 64U, 300U, 1000U}) {
-            const auto values = this->Random(500 + window - 1, unitsPerOne);
-            if (HaveExactSums(values.data(), values.size(), window)) {
-                ++exact;
-                std::vector<TypeParam> sums(500);
-                SlideWindows(values.data(), 500, window, sums.data());
-                EXPECT_EQ(sums, this->Model(values, 500, window)) << window;
-            }
-        }
-    }
-    EXPECT_EQ(exact, sizeof(TypeParam) == sizeof(double) ? 15 : 6); // 20 bits and the window's must fit
 }
 
 TYPED_TEST(WindowSums, AreExactAsFarAsTheDigitsReach)

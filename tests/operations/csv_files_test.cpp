@@ -102,15 +102,6 @@ TEST_F(CsvFiles, BinaryContentIsReadAsBytes)
     DataFrame table;
     ASSERT_EQ(table.ReadCSV<std::string>(folder.Write("binary", bytes), false, "no such bytes"), 0);
     EXPECT_THAT(table.To1DVector<std::string>(), ElementsAre(bytes.substr(0, 10), bytes.substr(11)));
-
-    DataFrame numbers;
-    ASSERT_EQ(numbers.ReadCSV<std::int32_t>(folder.Write("nul",
-                                                std::string("12\0"
-                                                            "34,5\n",
-                                                    8)),
-                  false, ","),
-        0);
-    EXPECT_THAT(numbers.To1DVector<std::int32_t>(), ElementsAre(12, 5)); // a NUL ends a number
 }
 
 TEST_F(CsvFiles, ALongLineIsOneRow)

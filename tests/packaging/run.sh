@@ -61,6 +61,20 @@ links_stand() {
     [[ $soname == libtessera.so.[0-9]* && -L $libraries/libtessera.so && -f $libraries/$soname ]]
 }
 
+links_of_documents_stand() {
+    local document target failed=0
+    for document in docs/*.md; do
+        [[ $document == docs/README.md ]] || grep -qF "](${document#docs/})" docs/README.md ||
+            { echo "docs/README.md does not link $document"; failed=1; }
+    done
+    for document in *.md docs/*.md; do
+        while read -r target; do
+            [[ -e $(dirname "$document")/$target ]] || { echo "$document links $target, which is not there"; failed=1; }
+        done < <(grep -oE '\]\([^) ]+\.md' "$document" | cut -c 3-)
+    done
+    return "$failed"
+}
+
 # Moved after the installation: no file of it may know where it was put.
 cmake --install "$build" --prefix "$work/first" > /dev/null
 prefix=$work/moved
@@ -75,8 +89,9 @@ check "C++ host, pkg-config" by_pkg_config c++ -std=c++20 tests/packaging/cpp_ho
 check "the README's C program" document_program README.md c c cc -std=c99 -pedantic
 check "the README's C++ program" document_program README.md cpp cpp c++ -std=c++20
 for document in docs/*.md; do
-    check "$document" document_program "$document" cpp cpp c++ -std=c++20
+    [[ $document == docs/README.md ]] || check "$document" document_program "$document" cpp cpp c++ -std=c++20
 done
+check "every page of the guide is in its index, and every link leads somewhere" links_of_documents_stand
 
 scripts/run_suite.py --record packaging $passed $failed
 ((failed == 0))
