@@ -217,6 +217,72 @@ MERVO_TSR_API int32_t MERVO_TSR_Transpose(MERVO_TSR_CONTEXT* dst, MERVO_TSR_CONT
 MERVO_TSR_API void MERVO_TSR_Show(MERVO_TSR_CONTEXT* handle);
 
 /**
+ * Makes a window on some rows and columns of a table or of another window, counted from its first ones.
+ *
+ * The window shares the columns: what is written through one, the other sees. They live until their last holder is
+ * released, in any order.
+ * @param src  a table or window; only read.
+ * @param rows the first row and the one behind the last; rowsLength is 2.
+ * @param cols the same for columns; colsLength is 2.
+ * @return a new handle, which the caller releases; null, and the reason in the log, for a null pointer, another length,
+ *         an empty or reversed range or one beyond src, a src that failed before, or no memory.
+ */
+MERVO_TSR_API MERVO_TSR_CONTEXT* MERVO_TSR_Slice(
+    const MERVO_TSR_CONTEXT* src, const uint32_t* rows, const uint32_t* cols, uint32_t rowsLength, uint32_t colsLength);
+
+/**
+ * Leaves out rows of a table; those that stay keep their order, and columns their names.
+ * @param dst     a table; receives the rows that stay, or in case of a failure a table without columns.
+ * @param src     a table; only read, and may be the handle dst.
+ * @param filter  one column of bools, a row for each of src: true goes. A table or window.
+ * @param indices `count` row numbers, 1 at least; repeats count once.
+ * @return dst's code: 0, or 33: a null pointer, no row numbers, or a handle that fails its check; src's or filter's own
+ *         code; 17: a filter of another shape; 2: a filter of another value type; 7: src has no rows; 4: there is no
+ *         such row; 3: no memory.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_DropRowByBool(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, const MERVO_TSR_CONTEXT* filter);
+MERVO_TSR_API int32_t MERVO_TSR_DropRowByIndex(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, const uint32_t* indices, uint32_t count);
+
+/**
+ * Leaves out columns of a table; those that stay are copied, keep their order and their names.
+ * @param dst     a table; receives the columns that stay, or in case of a failure a table without columns.
+ * @param src     a table; only read, and may be the handle dst.
+ * @param filter  one row of bools, a column for each of src: true goes. A table or window.
+ * @param indices `count` column numbers, 1 at least; repeats count once.
+ * @param names   `count` terminated texts, 1 at least.
+ * @return dst's code: 0, or 33: a null pointer, nothing to drop, or a handle that fails its check; src's or filter's
+ * own code; 17: a filter of another shape; 5: a filter of another value type, or there is no such name; 2: there is no
+ * such column number; 3: no memory.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_DropColByBool(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, const MERVO_TSR_CONTEXT* filter);
+MERVO_TSR_API int32_t MERVO_TSR_DropColByIndex(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, const uint32_t* indices, uint32_t count);
+MERVO_TSR_API int32_t MERVO_TSR_DropColByName(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, const char* const* names, uint32_t count);
+
+/**
+ * Puts copies of a table's columns into another one, in front of the column at `position`.
+ * @param table    a table; receives the columns. Without columns it becomes a copy of other, whatever the position.
+ * @param other    a table of as many rows; only read, and may be the handle table.
+ * @param position 0 to the number of table's columns, which appends.
+ * @return table's code: 0, or 33: a handle fails its check; 6: another number of rows; 5: a position too far; 3: no
+ *         memory. If other failed before, or has no columns, the log tells, and nothing happens.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_InsertColInplace(
+    MERVO_TSR_CONTEXT* table, const MERVO_TSR_CONTEXT* other, uint32_t position);
+
+/**
+ * Names all columns of a table. Of equal names, all but the first get "_1" behind them, as often as it needs.
+ * @param names `count` terminated texts, which are copied.
+ * @return 0, or 33: a null pointer, also among the texts, no names, or a handle that holds no table; 5: the count is
+ *         not that of the columns; 6: the table failed before; 3: no memory.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_SetColumnName(MERVO_TSR_CONTEXT* table, const char* const* names, uint32_t count);
+
+/**
  * The reductions turn each column of src into one cell of dst, named as in src.
  *
  * Sum:    added from the first row to the last; float in float, bool counted as int64, DateTime in 32 bits, all others

@@ -32,5 +32,8 @@
 #include "tessera/numeric/rolling.h"
 #include "tessera/numeric/skew_kurt.h"
 #include "tessera/numeric/sum.h"
+#include "tessera/operations/drop_row.h"
+#include "tessera/operations/row_filter.h"
+#include "tessera/operations/select_row.h"
 #include "tessera/platform/array_record.h"
 #include "tessera/tessera.h"

@@ -152,6 +152,67 @@ public:
     [[nodiscard]] ErrorCode ReadFormVec(
         const std::vector<std::string>& cells, unsigned int columns, const Types& types, bool hasHeader);
 
+    /**
+     * Make a new table of some of the rows, in their order; columns keep their names.
+     * @param boolFilter one column of bools, a row for each of this table. Selecting keeps the rows whose bit is set,
+     *                   dropping those whose bit is clear.
+     * @return the table, or one with the code: this table's or the filter's own; 17: a filter of another shape; 2: a
+     *         filter of another value type.
+     */
+    DataFrame SelectRow(const DataFrame& boolFilter) const;
+    DataFrame DropRow(const DataFrame& boolFilter) const;
+    /// The rows at the given positions, in the order of the list; repeats are allowed, and no position gives no row.
+    /// With the code: this table's own; 7: it has no rows; 21: there is no such row.
+    DataFrame SelectRow(const std::vector<std::uint32_t>& index) const;
+    /// All rows but those at the given positions. With the code: this table's own; 7: it has no rows; 4: there is no
+    /// such row; 3: no memory.
+    DataFrame DropRow(const std::vector<std::uint32_t>& index) const;
+
+    /// Put the table that the form without Inplace gives in this one's place, also where it failed. Return its code.
+    ErrorCode SelectRowInplace(const DataFrame& boolFilter);
+    ErrorCode SelectRowInplace(const std::vector<std::uint32_t>& index);
+    ErrorCode DropRowInplace(const DataFrame& boolFilter);
+    ErrorCode DropRowInplace(const std::vector<std::uint32_t>& index);
+
+    /**
+     * Make a new table of copies of some of the columns, with their names.
+     *
+     * Positions and names count among all columns of the table, and give whole columns; bools count in the window, one
+     * row of them with a column for each of its columns, and the copies are cut to its rows.
+     * @return the table, or one with the code: this table's or the filter's own; 4: there is no such position; 5: no
+     *         such name, or a filter that is not bool; 17: a filter of another shape; 21: a column in a list, which
+     *         can't be copied; 3: no memory.
+     */
+    DataFrame SelectCol(const std::vector<std::uint32_t>& index) const;
+    DataFrame SelectCol(const std::vector<std::string>& names) const;
+    DataFrame SelectCol(const DataFrame& boolFilter) const;
+    /// Make a new table of copies of all other columns, in their order; true drops. With the code as SelectCol, but 2:
+    /// there is no such position. An empty list gives a copy of the whole.
+    DataFrame DropCol(const std::vector<std::uint32_t>& index) const;
+    DataFrame DropCol(const std::vector<std::string>& names) const;
+    DataFrame DropCol(const DataFrame& boolFilter) const;
+
+    /// Put the table that the form without Inplace gives in this one's place, also where it failed. Return its code.
+    ErrorCode SelectColInplace(const std::vector<std::uint32_t>& index);
+    ErrorCode SelectColInplace(const std::vector<std::string>& names);
+    ErrorCode SelectColInplace(const DataFrame& boolFilter);
+    ErrorCode DropColInplace(const std::vector<std::uint32_t>& index);
+    ErrorCode DropColInplace(const std::vector<std::string>& names);
+    ErrorCode DropColInplace(const DataFrame& boolFilter);
+
+    /**
+     * Puts copies of another table's columns in front of the column at `position`. Names become unique when they are
+     * next needed. After a failure this table has the columns that it had.
+     * @param other    as many rows as this table; cut to its windows. A table without columns becomes a copy of it.
+     * @param position 0 to the number of columns, which appends.
+     * @return 0, or the code that this table then holds: its own; 6: another number of rows; 5: a position too far; 21:
+     *         a column in a list, which can't be copied; 3: no memory. Not held by this table: other's own code, and 7
+     *         where it has no columns.
+     */
+    ErrorCode InsertColInplace(const DataFrame& other, const unsigned int& position);
+    /// Puts copies of another table's columns behind the last one; returns as InsertColInplace.
+    ErrorCode AppendColInplace(const DataFrame& other);
+
 private:
     friend class ColumnLoader;
 

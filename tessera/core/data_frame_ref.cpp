@@ -107,6 +107,24 @@ DataFrameRef DataFrameRef::operator[](const char* name) const
     return Slice(1U, Range{place, place + 1});
 }
 
+ErrorCode DataFrameRef::GetIndexVector(std::vector<std::uint32_t>& index, const std::vector<std::string>& names) const
+{
+    index.resize(names.size());
+    const auto positions = GetNameToIndex();
+    if (positions == nullptr) {
+        return ERROR_OUT_OF_MEMORY;
+    }
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const auto found = positions->find(names[i]);
+        if (found == positions->end()) {
+            LogError("dataframe does not contain this column name: %s", names[i].c_str());
+            return ERROR_BAD_VALUE;
+        }
+        index[i] = found->second;
+    }
+    return ERROR_NONE;
+}
+
 MERVO_TESSERA_TYPEID DataFrameRef::Type() const
 {
     if (error.code != ERROR_NONE || ColumnCount() == 0 || GetColumn(0) == nullptr) {

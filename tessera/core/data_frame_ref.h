@@ -120,6 +120,14 @@ public:
     operator NdData() const;
 
     /**
+     * Tells the positions of named columns among all columns of the table, whatever the window.
+     * @param index receives a position per name; after a failure, those before the name that failed.
+     * @return 0, or 5: no such column; 3: no memory for the names.
+     */
+    [[nodiscard]] ErrorCode GetIndexVector(
+        std::vector<std::uint32_t>& index, const std::vector<std::string>& names) const;
+
+    /**
      * The window with its rows as columns, named "col_" and the row's number. Rows are counted from the first of the
      * columns, also where the window begins further down.
      * @return the table, or one with the code: 7: no columns or no rows; 6: more than 1024 rows; 22: several value

@@ -2,7 +2,7 @@
 
 namespace MERVO::Tessera::Func {
 
-DataFrame FailedTable(ErrorCode code, const char* message)
+DataFrame FailedTable(ErrorCode code, const std::string& message)
 {
     DataFrame failed;
     failed.SetError({code, message});

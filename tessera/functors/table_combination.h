@@ -9,6 +9,6 @@ namespace MERVO::Tessera::Func {
 DataFrame CombineTables(const BinaryFactory& factory, const DataFrameRef& lhs, const DataFrameRef& rhs);
 
 /// A table that holds a failure and nothing else.
-DataFrame FailedTable(ErrorCode code, const char* message);
+DataFrame FailedTable(ErrorCode code, const std::string& message);
 
 } // namespace MERVO::Tessera::Func

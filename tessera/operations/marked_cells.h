@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "tessera/core/cursor.h"
+
+namespace MERVO::Tessera {
+
+/**
+ * Copies the elements whose mark is as wanted, in their order, to the front of dst.
+ *
+ * It walks marks and src together, and ends where one of them does, or where dst is full. `marks` holds bools; src and
+ * dst are different columns of one value type. Any containers are served. The cursors stay where they are. Throws
+ * std::bad_alloc where a long text has no room.
+ */
+void CopyMarked(const Cursor& src, const Cursor& marks, bool wanted, const Cursor& dst);
+
+/// The same for adjacent elements of 1, 2, 4 or 8 bytes; `count` of them are walked, and `to` has room for `room`.
+void CopyMarkedBytes(std::size_t width, const std::byte* from, BitPosition marks, std::uint32_t count, bool wanted,
+    std::byte* to, std::uint32_t room);
+
+} // namespace MERVO::Tessera
