@@ -1,0 +1,128 @@
+#include "tessera/core/key_numbers.h"
+
+#include <map>
+#include <random>
+#include <set>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "tessera/core/key_filter.h"
+#include "tessera/core/key_hash.h"
+#include "tests/support/failing_allocation.h"
+
+namespace MERVO::Tessera {
+namespace {
+
+/// Texts of all short lengths, many of them twice, which differ in any of their bytes.
+std::vector<std::string> RandomTexts(std::uint32_t count)
+{
+    std::mt19937 random(5);
+    std::vector<std::string> texts;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        std::string text(random() % 20, 'a');
+        for (auto changes = random() % 3; changes != 0 && !text.empty(); --changes) {
+            text[random() % text.size()] = static_cast<char>(random());
+        }
+        texts.push_back(text);
+    }
+    return texts;
+}
+
+/// Numbers the texts in a table and in a map. `mask` cuts the hashes, so that they meet.
+void ExpectNumbersOfAMap(std::uint32_t mask, std::uint32_t expected)
+{
+    KeyNumbers numbers(expected);
+    std::vector<std::string> keys;
+    std::map<std::string, std::uint32_t> model;
+    const auto hashOf = [mask](const std::string& text) { return HashOf(std::string_view(text)) & mask; };
+    for (const std::string& text : RandomTexts(3000)) {
+        const auto isText = [&](std::uint32_t number) { return keys.at(number) == text; };
+        const auto known = model.find(text);
+        ASSERT_EQ(numbers.Find(hashOf(text), isText), known == model.end() ? KeyNumbers::NONE : known->second);
+        const std::uint32_t number = model.try_emplace(text, static_cast<std::uint32_t>(model.size())).first->second;
+        ASSERT_EQ(numbers.FindOrAdd(hashOf(text), isText), number);
+        if (number == keys.size()) {
+            keys.push_back(text);
+        }
+        ASSERT_EQ(numbers.Count(), keys.size());
+    }
+    const KeyFilter filter(numbers);
+    for (const std::string& key : keys) {
+        EXPECT_TRUE(filter.MayHave(hashOf(key)));
+    }
+}
+
+TEST(KeyNumbers, AreThoseOfAMap)
+{
+    ExpectNumbersOfAMap(0xFFFFFFFF, 0);
+    ExpectNumbersOfAMap(0xFFFFFFFF, 1500);
+    ExpectNumbersOfAMap(0xC0000001, 0); // chains that run over the end of the table
+}
+
+TEST(KeyNumbers, StandWhereMemoryIsShort)
+{
+    KeyNumbers numbers;
+    const auto isKey = [](std::uint32_t) { return true; };
+    bool hasFailed = false;
+    for (std::uint32_t key = 0; key < 100; ++key) {
+        const FailingAllocation failing(0);
+        try {
+            numbers.FindOrAdd(HashOf(key), isKey);
+        } catch (const std::bad_alloc&) {
+            hasFailed = true;
+            EXPECT_EQ(numbers.Count(), key);
+            EXPECT_EQ(numbers.Find(HashOf(key), isKey), KeyNumbers::NONE);
+        }
+        if (hasFailed) {
+            break;
+        }
+    }
+    EXPECT_TRUE(hasFailed);
+    for (std::uint32_t key = 0; key < 100; ++key) {
+        EXPECT_EQ(numbers.FindOrAdd(HashOf(key), isKey), key);
+    }
+}
+
+TEST(KeyFilter, PassesFewOthers)
+{
+    KeyNumbers numbers;
+    for (std::uint32_t key = 0; key < 1000; ++key) {
+        numbers.FindOrAdd(HashOf(std::uint64_t{key} << 40), [](std::uint32_t) { return false; });
+    }
+    const KeyFilter filter(numbers);
+    std::uint32_t passed = 0;
+    for (std::uint32_t key = 1000; key < 101000; ++key) {
+        passed += filter.MayHave(HashOf(std::uint64_t{key} << 40)) ? 1 : 0;
+    }
+    EXPECT_LT(passed, 5000U);
+}
+
+TEST(KeyHash, TellsNumbersAndTextsApart)
+{
+    std::set<std::uint32_t> ofNumbers;
+    std::set<std::uint32_t> ofTexts;
+    for (std::uint32_t i = 0; i < 32; ++i) {
+        for (std::uint32_t low = 1; low < 1024; low += 2) {
+            ofNumbers.insert(HashOf(low << i)); // low * 2^i is another number for every pair, unless bits are cut off
+        }
+        std::string text(i, 'x');
+        ofTexts.insert(HashOf(std::string_view(text)));
+        for (char& letter : text) {
+            letter = 'y';
+            ofTexts.insert(HashOf(std::string_view(text)));
+            letter = 'x';
+        }
+    }
+    std::set<std::uint32_t> numbers;
+    for (std::uint32_t i = 0; i < 32; ++i) {
+        for (std::uint32_t low = 1; low < 1024; low += 2) {
+            numbers.insert(low << i);
+        }
+    }
+    EXPECT_EQ(ofNumbers.size(), numbers.size());
+    EXPECT_EQ(ofTexts.size(), 32U + 31U * 32U / 2U);
+}
+
+} // namespace
+} // namespace MERVO::Tessera
