@@ -37,7 +37,7 @@ private:
  * Leaves out the elements at given positions.
  *
  * Code 21: the value types differ, or the destination is not as long as what is left; 1: a position is not below the
- * source's length, or, with numbers, source and destination overlap; 3: no memory for a bit per element; 5: no cursor.
+ * source's length; 3: no memory for a bit per element; 5: no cursor.
  * The rows outlive the functor.
  * @tparam ROWS how the rows are handed in: std::set<std::uint32_t>&, the same as const, or const DroppedRows&.
  */

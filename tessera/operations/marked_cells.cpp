@@ -130,8 +130,8 @@ void CopyInArrays(const Cursor& src, const Cursor& marks, bool wanted, const Cur
     if constexpr (std::is_same_v<T, bool>) {
         CopyBits(from, head, count, wanted, to, room);
     } else if constexpr (Arithmetic<T>) {
-        CopyMarkedBytes(sizeof(T), reinterpret_cast<const std::byte*>(from), head, count, wanted,
-            reinterpret_cast<std::byte*>(to), room);
+        CopyBytes<sizeof(T)>(
+            reinterpret_cast<const std::byte*>(from), head, count, wanted, reinterpret_cast<std::byte*>(to), room);
     } else {
         CopyObjects<T>(from, head, count, wanted, to, room);
     }
@@ -163,21 +163,6 @@ using Copier = void (*)(const Cursor& src, const Cursor& marks, bool wanted, con
 constexpr auto COPIERS = ForEachValueType([](auto number) -> Copier { return &CopyCells<ValueTypes::At<number()>>; });
 
 } // namespace
-
-void CopyMarkedBytes(std::size_t width, const std::byte* from, BitPosition marks, std::uint32_t count, bool wanted,
-    std::byte* to, std::uint32_t room)
-{
-    switch (width) {
-    case 1:
-        return CopyBytes<1>(from, marks, count, wanted, to, room);
-    case 2:
-        return CopyBytes<2>(from, marks, count, wanted, to, room);
-    case 4:
-        return CopyBytes<4>(from, marks, count, wanted, to, room);
-    default:
-        return CopyBytes<8>(from, marks, count, wanted, to, room);
-    }
-}
 
 void CopyMarked(const Cursor& src, const Cursor& marks, bool wanted, const Cursor& dst)
 {

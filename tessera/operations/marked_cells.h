@@ -1,8 +1,5 @@
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-
 #include "tessera/core/cursor.h"
 
 namespace MERVO::Tessera {
@@ -15,9 +12,5 @@ namespace MERVO::Tessera {
  * std::bad_alloc where a long text has no room.
  */
 void CopyMarked(const Cursor& src, const Cursor& marks, bool wanted, const Cursor& dst);
-
-/// The same for adjacent elements of 1, 2, 4 or 8 bytes; `count` of them are walked, and `to` has room for `room`.
-void CopyMarkedBytes(std::size_t width, const std::byte* from, BitPosition marks, std::uint32_t count, bool wanted,
-    std::byte* to, std::uint32_t room);
 
 } // namespace MERVO::Tessera

@@ -170,8 +170,6 @@ TEST(RowFunctors, RefuseWhatDoesNotFit)
         [&] { return drop({1}, 3, range(room, 3)); });
     check(__LINE__, 21, {refusedWith("DropRow", "size 3, type int32", "size 2, type float")},
         [&] { return drop({1}, 3, range(others, 2)); });
-    check(__LINE__, 1, {"Memory copy failed when copying the first part in DropRow: 22."},
-        [&] { return drop({2}, 3, range(numbers, 2)); });
     // More marks than rows, of which more go than there are.
     check(__LINE__, 21,
         {"Functor DropRowByBool check param error, lhs [size 7, type bool], "
