@@ -368,8 +368,8 @@ MERVO_TSR_API int32_t MERVO_TSR_RollingMean(
  * FillNan:     each NaN becomes the last present cell before it ("ffill") or the next one behind it ("bfill"); where
  *              there is none, it stays.
  * ReplaceNan:  each NaN becomes the value of a text, parsed as by strtod, in the C locale: what follows a number is
- *              ignored, and a text without one is 0. It must fit columns of other types too: integers as by strtoll and
- *              strtoull, DateTime as "2024-03-05 07:09:02".
+ *              ignored, and a text without one is 0. It must do for the other columns too: for integers by strtoll or
+ *              strtoull, for DateTime as a time.
  * Interpolate: each gap becomes a straight line between its neighbours; at the end it takes the last present cell, at
  *              the begin it stays. Integer columns become double.
  * @param dst        receives n rows by c columns, named as in src; but for IsNan, and integers under Interpolate, of
@@ -388,6 +388,95 @@ MERVO_TSR_API int32_t MERVO_TSR_FillNan(
 MERVO_TSR_API int32_t MERVO_TSR_ReplaceNan(
     MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, const char* replaceNum, uint32_t length);
 MERVO_TSR_API int32_t MERVO_TSR_Interpolate(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src);
+
+/**
+ * Puts newValue in place of every element of src that has oldValue, and copies all others.
+ *
+ * Both values are cast to each column's own type first, as MERVO_TSR_TypeCast would; but a text is parsed as a number
+ * for bools too, of which 0 is false. In columns of doubles an element counts as old if it differs by less than 2^-52,
+ * in those of floats by less than 2^-23, so infinities and NaN stay. In all others it must be equal.
+ * @param dst receives n rows by c columns, of the types and names of src.
+ * @param src n rows by c columns; only read, and may be the handle dst.
+ * @return dst's code: 0, or 33: a handle fails its check, or a text is null; 5: oldValue is NaN in a column of floats
+ *         or doubles; 1: a text out of a column's range, a bool or a blank text for stamps, or a column of tables; 3:
+ * no memory.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_ReplaceBool(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, bool oldValue, bool newValue);
+MERVO_TSR_API int32_t MERVO_TSR_ReplaceInt8(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, int8_t oldValue, int8_t newValue);
+MERVO_TSR_API int32_t MERVO_TSR_ReplaceUint8(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, uint8_t oldValue, uint8_t newValue);
+MERVO_TSR_API int32_t MERVO_TSR_ReplaceInt16(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, int16_t oldValue, int16_t newValue);
+MERVO_TSR_API int32_t MERVO_TSR_ReplaceUint16(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, uint16_t oldValue, uint16_t newValue);
+MERVO_TSR_API int32_t MERVO_TSR_ReplaceInt32(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, int32_t oldValue, int32_t newValue);
+MERVO_TSR_API int32_t MERVO_TSR_ReplaceUint32(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, uint32_t oldValue, uint32_t newValue);
+MERVO_TSR_API int32_t MERVO_TSR_ReplaceInt64(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, int64_t oldValue, int64_t newValue);
+MERVO_TSR_API int32_t MERVO_TSR_ReplaceUint64(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, uint64_t oldValue, uint64_t newValue);
+MERVO_TSR_API int32_t MERVO_TSR_ReplaceFloat(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, float oldValue, float newValue);
+MERVO_TSR_API int32_t MERVO_TSR_ReplaceDouble(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, double oldValue, double newValue);
+MERVO_TSR_API int32_t MERVO_TSR_ReplaceString(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, const char* oldValue, const char* newValue);
+
+/**
+ * Rounds the elements of src to a number of decimals, halves away from zero.
+ *
+ * It is the binary product with 10^decimals that is rounded: 1.005 with two decimals gives 1.0, for it lies below.
+ * NaN gives 0, and a result of 0 has no sign. An element whose product does not fit into 64 bits is copied, and the log
+ * is told at level 0.
+ * @param dst      receives n rows by c columns, of the types and names of src.
+ * @param src      n rows by c columns of numbers; only read, and may be the handle dst.
+ * @param decimals 0 to 10.
+ * @return dst's code: 0, or 33: a handle fails its check; 4: more decimals; 1: a column of bools, strings, stamps or
+ *         tables; 3: no memory.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_Round(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, uint32_t decimals);
+
+/**
+ * The difference between each row and the one `periods` rows before it, or behind it where periods is negative.
+ *
+ * Integers wrap in their own type. Rows that have no other one get NaN, or 0 in columns of integers.
+ * @param dst receives n rows by c columns, of the types and names of src.
+ * @param src n rows by c columns of numbers; only read, and may be the handle dst.
+ * @return dst's code: 0, or 33: a handle fails its check; 1: a column of bools, strings, stamps or tables; 3: no
+ * memory.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_Diff(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, int32_t periods);
+
+/**
+ * Tells of each element of src whether it is among those of the column beside it in compare.
+ *
+ * 0.0 and -0.0 are the same, and so are all NaN.
+ * @param src     n rows by c columns; only read, and may be the handle dst.
+ * @param compare c columns of the types in src, or one for all of them, of at least one row each; if src has one
+ * column, it meets all of compare. Only read.
+ * @param dst     receives a bool for each element. A window receives only if it has n rows of bools.
+ * @return dst's code: 0, or 33: a handle fails its check; 21: the types differ, or compare has no rows; 19: numbers of
+ *         columns that don't fit; 1: a column of tables; 3: no memory.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_IsIn(
+    const MERVO_TSR_CONTEXT* src, const MERVO_TSR_CONTEXT* compare, MERVO_TSR_CONTEXT* dst);
+
+/**
+ * Splices rows into a table: dst gets the first `index` rows of base, all of rows, and the rest of base.
+ * @param rows  m rows by c columns; only read, and may be the handle dst.
+ * @param base  n rows by c columns of the same types; only read, and may be the handle dst. One column on either side
+ *              meets all of the other side's.
+ * @param dst   a table; receives m + n rows by c columns, named as in rows unless base has more of them.
+ * @param index the row of dst that the first of rows becomes, 0 to n.
+ * @return dst's code: 0, or 33: a handle fails its check; 5: an index beyond n; 21: the types differ; 19: numbers of
+ *         columns that don't fit; 20: dst is a window (told by the log, not stored); 3: no memory.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_InsertRow(
+    const MERVO_TSR_CONTEXT* rows, const MERVO_TSR_CONTEXT* base, MERVO_TSR_CONTEXT* dst, uint32_t index);
 
 #ifdef __cplusplus
 } /* extern "C" */

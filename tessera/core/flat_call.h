@@ -24,9 +24,12 @@ std::int32_t Guarded(const char* call, Body&& body) noexcept
 /// Logs that a flat call was handed a null or unfit handle, and gives its code.
 std::int32_t RefuseHandle(const char* call) noexcept;
 
-/// The road of a unary flat call once it is guarded: test, pick, apply, report. Defined beside the apply paths.
+/// The road of a unary or binary flat call once it is guarded: test, pick, apply, report. Defined beside the apply
+/// paths.
 std::int32_t ApplyUnaryTo(
     const char* call, MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, const UnaryFactory& make);
+std::int32_t ApplyBinaryTo(const char* call, MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* lhs,
+    const MERVO_TSR_CONTEXT* rhs, const BinaryFactory& make);
 
 /**
  * A whole unary flat call: dst receives what the functor that `make` gives makes of src.
@@ -37,6 +40,14 @@ std::int32_t ApplyUnary(
     const char* call, MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, const Make& make) noexcept
 {
     return Guarded(call, [&] { return ApplyUnaryTo(call, dst, src, std::cref(make)); });
+}
+
+/// The same from two sources, which the functor gets in this order.
+template <typename Make>
+std::int32_t ApplyBinary(const char* call, MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* lhs,
+    const MERVO_TSR_CONTEXT* rhs, const Make& make) noexcept
+{
+    return Guarded(call, [&] { return ApplyBinaryTo(call, dst, lhs, rhs, std::cref(make)); });
 }
 
 } // namespace MERVO::Tessera

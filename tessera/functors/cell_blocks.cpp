@@ -34,9 +34,18 @@ template <typename Visit>
 void CellBlocks::ForEachCell(std::uint32_t count, Visit&& visit)
 {
     std::byte* slot = buffer.data();
-    for (; count != 0; --count, slot += slotSize) {
-        visit(slot, next.Cell());
-        next.Skip(1);
+    if (next.layout == CellPlace::Layout::NODES) {
+        for (; count != 0; --count, slot += slotSize) {
+            visit(slot, next.Cell());
+            next.Skip(1);
+        }
+    } else {
+        std::byte* cell = next.element; // a copy, which a write to a byte can't touch
+        for (; count != 0; --count, slot += slotSize) {
+            visit(slot, static_cast<void*>(cell));
+            cell += next.elementSize;
+        }
+        next.element = cell;
     }
 }
 

@@ -62,6 +62,8 @@ public:
 /// The cells of an operand; one that repeats gives its first cell every time.
 class OperandBlocks : public CellBlocks {
 public:
+    /// For reading alone.
+    explicit OperandBlocks(const Cursor& source) : CellBlocks(source), repeats(false), readsInPlace(IsInPlace()) {}
     OperandBlocks(const Cursor& source, bool isRepeated, const ResultBlocks& results, std::uint32_t resultCount);
 
     /// The next cells.
@@ -94,6 +96,33 @@ void ForEachBlock(const Cursor& lhs, const Cursor& rhs, const Cursor& dst, Repet
         const std::uint32_t count = std::min(remaining, CellBlocks::LONGEST);
         visit(left.Read(count), right.Read(count), results.Room(count), count);
         results.Written(count);
+        remaining -= count;
+    }
+}
+
+/// Calls visit(cells, result, count) for one block of cells of a single operand after the other, until either is done.
+template <typename Visit>
+void ForEachBlock(const Cursor& src, const Cursor& dst, Visit&& visit)
+{
+    std::uint32_t remaining = std::min(src->Length(), dst->Length());
+    ResultBlocks results(dst);
+    OperandBlocks source(src, false, results, remaining);
+    while (remaining != 0) {
+        const std::uint32_t count = std::min(remaining, CellBlocks::LONGEST);
+        visit(source.Read(count), results.Room(count), count);
+        results.Written(count);
+        remaining -= count;
+    }
+}
+
+/// Calls visit(cells, count) for one block of a column's cells after the other.
+template <typename Visit>
+void ForEachBlock(const Cursor& src, Visit&& visit)
+{
+    OperandBlocks source(src);
+    for (std::uint32_t remaining = src->Length(); remaining != 0;) {
+        const std::uint32_t count = std::min(remaining, CellBlocks::LONGEST);
+        visit(source.Read(count), count);
         remaining -= count;
     }
 }

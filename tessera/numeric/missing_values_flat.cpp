@@ -6,13 +6,9 @@
 #include "tessera/numeric/replace_nan.h"
 #include "tessera/tessera.h"
 
-using MERVO::Tessera::ApplyUnary;
-using MERVO::Tessera::Func::FillNan;
-using MERVO::Tessera::Func::FunctorFactory;
-using MERVO::Tessera::Func::Interpolate;
-using MERVO::Tessera::Func::IsNan;
-using MERVO::Tessera::Func::ReplaceNan;
-using MERVO::Tessera::Func::UnaryBase;
+using namespace MERVO::Tessera;
+using Func::FunctorFactory;
+using Func::UnaryBase;
 
 namespace {
 
@@ -20,15 +16,15 @@ constexpr uint32_t FILL_TYPE_LENGTH = 5; // without the terminator
 
 int32_t RefuseText(const char* call, const char* reason)
 {
-    MERVO::Tessera::LogError("[%s] %s", call, reason);
-    return MERVO::Tessera::ERROR_BAD_VALUE;
+    LogError("[%s] %s", call, reason);
+    return ERROR_BAD_VALUE;
 }
 
 } // namespace
 
 int32_t MERVO_TSR_IsNan(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src)
 {
-    return ApplyUnary(__func__, dst, src, FunctorFactory<IsNan, UnaryBase>{});
+    return ApplyUnary(__func__, dst, src, FunctorFactory<Func::IsNan, UnaryBase>{});
 }
 
 int32_t MERVO_TSR_FillNan(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, const char* fillType, uint32_t length)
@@ -40,7 +36,7 @@ int32_t MERVO_TSR_FillNan(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, 
         return RefuseText(__func__, "fillType is nullptr");
     }
     return ApplyUnary(__func__, dst, src,
-        FunctorFactory<FillNan, UnaryBase, std::string_view>{std::string_view(fillType, FILL_TYPE_LENGTH)});
+        FunctorFactory<Func::FillNan, UnaryBase, std::string_view>{std::string_view(fillType, FILL_TYPE_LENGTH)});
 }
 
 int32_t MERVO_TSR_ReplaceNan(
@@ -50,10 +46,10 @@ int32_t MERVO_TSR_ReplaceNan(
         return RefuseText(__func__, "replaceNum should not be nullptr");
     }
     return ApplyUnary(__func__, dst, src,
-        FunctorFactory<ReplaceNan, UnaryBase, std::string_view>{std::string_view(replaceNum, length)});
+        FunctorFactory<Func::ReplaceNan, UnaryBase, std::string_view>{std::string_view(replaceNum, length)});
 }
 
 int32_t MERVO_TSR_Interpolate(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src)
 {
-    return ApplyUnary(__func__, dst, src, FunctorFactory<Interpolate, UnaryBase>{});
+    return ApplyUnary(__func__, dst, src, FunctorFactory<Func::Interpolate, UnaryBase>{});
 }

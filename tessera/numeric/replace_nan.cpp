@@ -24,16 +24,22 @@ ErrorCode Copy(const Cursor& src, const Cursor& dst)
     return CopySeries<CONTAINER_ARRAY>().ProcessSeries(src, dst, true).code;
 }
 
+/// The type whose kernel serves T: in all integers nothing is missing, so that only their parser counts.
+template <typename T>
+using ServedAs = std::conditional_t<std::is_floating_point_v<T>, T,
+    std::conditional_t<std::is_signed_v<T>, std::int64_t, std::uint64_t>>;
+
 /// Parses the replacement, which must do even where nothing can be missing, and copies.
 template <typename T>
 ErrorCode ParseAndReplace(const std::string& text, const Cursor& src, const Cursor& dst)
 {
-    T value{};
-    if (FromText(text, value) != ERROR_NONE) {
-        return TellRefusedText<T>(text);
+    using Number = std::conditional_t<std::is_floating_point_v<T>, double, T>;
+    Number number{};
+    if (FromText(text, number) != ERROR_NONE) {
+        return TellRefusedText<Number>(text);
     }
     if constexpr (std::is_floating_point_v<T>) {
-        return ForEachRun(src, dst, [value](const void* from, void* to, std::uint32_t count) {
+        return ForEachRun(src, dst, [value = static_cast<T>(number)](const void* from, void* to, std::uint32_t count) {
             ReplaceEach(static_cast<const T*>(from), static_cast<T*>(to), count, value);
             return ERROR_NONE;
         });
@@ -73,7 +79,7 @@ template <typename T>
 ErrorCode ReplaceNanBase<CID>::OnExecuteSIMD(const Cursor& src, const Cursor& dst) const
 {
     if constexpr (IS_PARSED<T>) {
-        return IsOfType<T>(src) ? ParseAndReplace<T>(replacement, src, dst) : ERROR_GENERAL;
+        return IsOfType<T>(src) ? ParseAndReplace<ServedAs<T>>(replacement, src, dst) : ERROR_GENERAL;
     } else if constexpr (std::is_same_v<T, std::string> || std::is_same_v<T, DateTime>) {
         const bool hasBlocks = !IsOfType<T>(src) ||
             (CursorAs<CONTAINER_ARRAY, T>(src).mHead != nullptr && CursorAs<CONTAINER_ARRAY, T>(dst).mHead != nullptr);
@@ -93,7 +99,7 @@ ErrorCode ReplaceNanBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) c
         return ERROR_GENERAL;
     }
     if constexpr (IS_PARSED<T>) {
-        return ParseAndReplace<T>(replacement, src, dst);
+        return ParseAndReplace<ServedAs<T>>(replacement, src, dst);
     } else if constexpr (std::is_same_v<T, DateTime>) {
         const ErrorCode code = DateTime().StringToTime(replacement);
         return code == ERROR_NONE ? Copy(src, dst) : code;

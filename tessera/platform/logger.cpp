@@ -63,4 +63,6 @@ void LogDump(const char* format, ...) noexcept
     va_end(arguments);
 }
 
+void LogUnderName(const char* name, const char* text) noexcept { ORLELogStr(0, LOG_TAG, name, text); }
+
 } // namespace MERVO::Tessera

@@ -7,7 +7,7 @@
  * writes levels 1 and 2 to standard error, and further levels when the environment variable TESSERA_LOG_LEVEL holds
  * their number.
  *
- * @param level  1 error, 2 warning, 3 notice, 4 dump.
+ * @param level  1 error, 2 warning, 3 notice, 4 dump; 0 for what LogUnderName tells.
  * @param tag    "MERVO_TSR" for everything that comes from here.
  * @param format of printf, followed by its arguments; all of it is only valid during the call.
  */
@@ -22,5 +22,9 @@ TESSERA_API void LogError(const char* format, ...) noexcept __attribute__((forma
 TESSERA_API void LogWarning(const char* format, ...) noexcept __attribute__((format(printf, 1, 2)));
 TESSERA_API void LogNotice(const char* format, ...) noexcept __attribute__((format(printf, 1, 2)));
 TESSERA_API void LogDump(const char* format, ...) noexcept __attribute__((format(printf, 1, 2)));
+
+/// Reports at level 0. Hosts know such a message by its format, which is a name; the text is an argument that the
+/// format does not show.
+void LogUnderName(const char* name, const char* text) noexcept;
 
 } // namespace MERVO::Tessera

@@ -37,7 +37,10 @@ void ExpectNumbersOfAMap(std::uint32_t mask, std::uint32_t expected)
     std::map<std::string, std::uint32_t> model;
     const auto hashOf = [mask](const std::string& text) { return HashOf(std::string_view(text)) & mask; };
     for (const std::string& text : RandomTexts(3000)) {
-        const auto isText = [&](std::uint32_t number) { return keys.at(number) == text; };
+        const auto isText = [&](std::uint32_t number) {
+            EXPECT_EQ(hashOf(keys.at(number)), hashOf(text)) << "only these need to be told apart";
+            return keys.at(number) == text;
+        };
         const auto known = model.find(text);
         ASSERT_EQ(numbers.Find(hashOf(text), isText), known == model.end() ? KeyNumbers::NONE : known->second);
         const std::uint32_t number = model.try_emplace(text, static_cast<std::uint32_t>(model.size())).first->second;

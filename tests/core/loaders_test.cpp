@@ -156,19 +156,20 @@ TEST(Loaders, TellABadCastAndKeepTheColumnsBeforeIt)
     const MERVO_TESSERA_TYPEID noType[] = {TESSERA_STRING, static_cast<MERVO_TESSERA_TYPEID>(99), TESSERA_STRING};
     const struct {
         const MERVO_TESSERA_TYPEID* types;
+        ErrorCode stored;
         std::string log;
     } cases[] = {
-        {impossible, "Failed to cast 11 to 5 when error happens"},
-        {noType, "Failed to cast 11 to 99 when error happens"},
+        {impossible, 1, "Failed to cast 11 to 5 when error happens"},
+        {noType, 5, "Failed to cast 11 to 99 when error happens"},
     };
-    for (const auto& [types, text] : cases) {
+    for (const auto& [types, stored, text] : cases) {
         const MERVO_TSR_SHAPE shape{2, 3, types};
         const Handle table(TableOf(Column<double>("old", {1, 2, 3})));
         const LogCapture log;
         EXPECT_EQ(ReadDataString(table.Get(), texts, &shape), 34);
         EXPECT_TRUE(log.Has(1, text));
         EXPECT_EQ(log.Texts(1).back(), "[ReadData] Failed to read vector");
-        EXPECT_NE(table.Table().GetError().code, 0);
+        EXPECT_EQ(table.Table().GetError().code, stored);
         EXPECT_EQ(table.Table().GetError().message, "Failed to cast form 2d vector");
         EXPECT_EQ(table.Table().ColumnCount(), 1U);
         EXPECT_EQ(table.Table().RowCount(), 2U);

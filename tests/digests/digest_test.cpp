@@ -238,6 +238,30 @@ void AddResults(Digest& digest, const std::vector<UnaryFactory>& makers)
     }
 }
 
+template <typename T>
+void AddTransforms(Digest& digest)
+{
+    using namespace Func;
+    const auto add = [&digest](const auto& make, const auto&... sources) {
+        DataFrame result;
+        digest.Add(result.ApplyInplace(make, sources...));
+        AddTable(digest, result.GetError().code == 0 ? result : DataFrame());
+    };
+    for (const unsigned int rows : {1U, 64U, 1000U}) {
+        const DataFrame source = RandomTable<T>(rows, 3);
+        const DataFrame other = RandomTable<T>(rows + 7, 3);
+        for (const std::uint32_t decimals : {0U, 2U, 7U, 10U}) {
+            add(FunctorFactory<Round, UnaryBase, std::uint32_t>{decimals}, source);
+        }
+        add(FunctorFactory<Diff, UnaryBase, std::int32_t>{5}, source);
+        add(FunctorFactory<Diff, UnaryBase, std::int32_t>{-1}, source);
+        add(FunctorFactory<Replace, UnaryBase, double, double>{7.0, -1.5}, source);
+        add(FunctorFactory<Replace, UnaryBase, std::string, std::string>{"0", "1e3"}, source);
+        add(FunctorFactory<IsIn, BinaryBase>{}, source, other);
+        add(FunctorFactory<InsertRow, BinaryBase, std::uint32_t>{rows / 2}, source, other);
+    }
+}
+
 template <typename Add>
 void ForEachFlatType(Add add)
 {
@@ -346,6 +370,15 @@ TEST_F(Digests, OfOperators)
             }
         }
         Settle("operators_" + GetTypeNameById(TYPE_ID_OF<T>), digest);
+    });
+}
+
+TEST_F(Digests, OfElementTransforms)
+{
+    ForEachFlatType([]<typename T>(std::type_identity<T>) {
+        Digest digest;
+        AddTransforms<T>(digest);
+        Settle("transform_" + GetTypeNameById(TYPE_ID_OF<T>), digest);
     });
 }
 

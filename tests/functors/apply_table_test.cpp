@@ -164,6 +164,9 @@ TEST(TableApplyBinary, ConvertsSourcesToTheContainerOfTheColumnItReplaces)
                     DataFrame empty; // takes the container of the side with several columns, else of the left one
                     ASSERT_EQ(empty.ApplyInplace(make, lhs, rhs), 0);
                     EXPECT_EQ(empty.ContainerType(), left);
+                    DataFrame flipped;
+                    ASSERT_EQ(flipped.ApplyInplace(make, rhs, lhs), 0);
+                    EXPECT_EQ(flipped.ContainerType(), rightCount == 1 ? left : right);
                 }
             }
         }

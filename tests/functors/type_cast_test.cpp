@@ -178,36 +178,5 @@ TEST(TypeCast, HasNoResultForANumberThatIsNoType)
     }
 }
 
-// ---- Casting on load
-
-TEST(CastOnLoad, StoresAFailureAndTellsWhichTypes)
-{
-    struct Case {
-        ErrorCode (*load)(DataFrame& table);
-        ErrorCode code;
-        const char* log;
-    };
-    const Case cases[] = {
-        {[](DataFrame& table) {
-             return table.ReadVector<std::string>({"1e400"}, {1, 1}, {TESSERA_DOUBLE});
-         },
-            1, "Failed to cast 11 to 10 when error happens"},
-        {[](DataFrame& table) { return table.ReadVectorByCol<bool>({{true}}, {TESSERA_DATETIME}); }, 1,
-            "Failed to cast 0 to 12 when error happens"},
-        {[](DataFrame& table) {
-             return table.ReadVector<double>({1.0}, {1, 1}, {static_cast<MERVO_TESSERA_TYPEID>(14)});
-         },
-            5, "Failed to cast 10 to 14 when error happens"},
-    };
-    for (const Case& wanted : cases) {
-        DataFrame table;
-        LogCapture log;
-        EXPECT_EQ(wanted.load(table), wanted.code) << wanted.log;
-        EXPECT_EQ(table.GetError().code, wanted.code) << wanted.log;
-        EXPECT_EQ(table.GetError().message, "Failed to cast form 2d vector");
-        EXPECT_TRUE(log.Has(1, wanted.log)) << wanted.log;
-    }
-}
-
 } // namespace
 } // namespace MERVO::Tessera

@@ -72,6 +72,8 @@ const FlatCase FLAT_CASES[] = {
     {"ReplaceNan", [](auto dst, auto src) { return MERVO_TSR_ReplaceNan(dst, src, "7.55", 3); },
         Make<Func::ReplaceNan, std::string_view>("7.5")},
     {"Interpolate", &MERVO_TSR_Interpolate, Make<Func::Interpolate>()},
+    {"Round", [](auto dst, auto src) { return MERVO_TSR_Round(dst, src, 0); }, Make<Func::Round, uint32_t>(0)},
+    {"Diff", [](auto dst, auto src) { return MERVO_TSR_Diff(dst, src, -1); }, Make<Func::Diff, int32_t>(-1)},
 };
 
 DataFrame Source()

@@ -223,7 +223,7 @@ TYPED_TEST(MissingOf, IsNothingInArrays) { this->ExpectAll(CONTAINER_ARRAY); }
 
 TYPED_TEST(MissingOf, IsNothingInLists) { this->ExpectAll(CONTAINER_LIST); }
 
-TYPED_TEST(MissingOf, IsInterpolatedInNumbersOnly)
+TYPED_TEST(MissingOf, IsSoughtOnlyForFittingDestinations)
 {
     constexpr bool IS_FLOAT = std::is_same_v<TypeParam, float>;
     const SeriesPtr column = Column<TypeParam>("a", SampleValues<TypeParam>(3));
