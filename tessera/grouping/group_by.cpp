@@ -1,5 +1,6 @@
 #include <numeric>
 #include <set>
+#include <span>
 #include <utility>
 
 #include "tessera/core/data_frame.h"
@@ -17,14 +18,25 @@ using Flags = std::vector<std::uint8_t>;
 using Keys = std::vector<std::uint32_t>;
 using Positions = std::vector<std::uint32_t>;
 
-/// Marks where a key of a row differs from that of the row before. Nested tables, which can't differ, are passed over.
-void MarkGroups(const DataFrame& table, unsigned int keyCount, const unsigned int* keys, Flags& flags)
+/// Runs a functor over the key columns, from the last one given to the first. Nested tables, which can be neither
+/// sorted nor compared, are passed over.
+bool RunOverKeys(const DataFrame& table, std::span<const unsigned int> keys, const NullaryFactory& make)
 {
-    const Func::FunctorFactory<Func::GroupIndex, Func::NullaryBase, Flags&> make(flags);
-    for (unsigned int k = 0; k < keyCount; ++k) {
-        const SeriesPtr& column = table.GetColumn(keys[k]);
-        static_cast<void>(make(Func::ContainerOf(column))->ProcessSeries(table.GetSlicedIterator(column)));
+    for (auto key = keys.rbegin(); key != keys.rend(); ++key) {
+        const SeriesPtr& column = table.GetColumn(*key);
+        const Error outcome = make(Func::ContainerOf(column))->ProcessSeries(table.GetSlicedIterator(column));
+        if (outcome.code != ERROR_NONE && outcome.code != ERROR_GENERAL) {
+            LogError("Failed to group by key %d, error %d", static_cast<int>(*key), outcome.code);
+            return false;
+        }
     }
+    return true;
+}
+
+/// Flags rows at which a key differs from that of the row before.
+bool FlagGroups(const DataFrame& table, std::span<const unsigned int> keys, Flags& flags)
+{
+    return RunOverKeys(table, keys, Func::FunctorFactory<Func::GroupIndex, Func::NullaryBase, Flags&>{flags});
 }
 
 } // namespace
@@ -53,7 +65,9 @@ Groups DataFrame::GroupByInPlace(unsigned int keyCount, const unsigned int* keys
         LogError("Failed to bring the rows into groups, error %d, %s", moved.code, moved.message.c_str());
         return {};
     }
-    MarkGroups(*this, keyCount, keys, flags);
+    if (!FlagGroups(*this, {keys, keyCount}, flags)) {
+        return {};
+    }
     return Groups(flags, std::shared_ptr<Columns>(series), Keys(keys, keys + keyCount));
 }
 
@@ -66,7 +80,9 @@ Groups DataFrame::GroupByOutPlace(unsigned int keyCount, const unsigned int* key
         LogError("Failed to bring the rows into groups, error %d", code);
         return {};
     }
-    MarkGroups(reordered, keyCount, keys, flags);
+    if (!FlagGroups(reordered, {keys, keyCount}, flags)) {
+        return {};
+    }
     return Groups(index, flags, std::shared_ptr<Columns>(reordered.series), Keys(keys, keys + keyCount));
 }
 
@@ -75,11 +91,9 @@ Groups DataFrame::GroupByKeys(
 {
     Positions index(RowCount());
     std::iota(index.begin(), index.end(), 0U);
-    const Func::FunctorFactory<Func::SortIndex, Func::NullaryBase, Positions&, bool&, bool&> make(
-        index, ascending, sorted);
-    for (unsigned int k = keyCount; k-- != 0;) {
-        const SeriesPtr& column = GetColumn(keys[k]);
-        static_cast<void>(make(Func::ContainerOf(column))->ProcessSeries(GetSlicedIterator(column)));
+    using Sorting = Func::FunctorFactory<Func::SortIndex, Func::NullaryBase, Positions&, bool&, bool&>;
+    if (!RunOverKeys(*this, {keys, keyCount}, Sorting{index, ascending, sorted})) {
+        return {};
     }
     Flags flags(index.size());
     flags.front() = 1;
