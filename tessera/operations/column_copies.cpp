@@ -16,7 +16,7 @@ Error CopyColumns(const DataFrameRef& window, std::span<const std::uint32_t> pos
         run.Open(position, run.SourceContainer(position));
         SeriesPtr copy;
         const SeriesPtr& column = window.GetColumn(position);
-        const Error outcome = run.HasCursors()
+        Error outcome = run.HasCursors()
             ? Func::ComputeColumn(run, WithLength(column->GetAttr(), window.RowCount()), copy)
             : run.Process(nullptr);
         if (outcome.code != ERROR_NONE) {

@@ -16,6 +16,7 @@
 #include "tessera/core/date_range.h"
 #include "tessera/tessera.hpp"
 #include "tests/support/log_capture.h"
+#include "tests/support/random.h"
 
 namespace MERVO::Tessera {
 namespace {
@@ -50,23 +51,6 @@ public:
 
 private:
     std::uint64_t value = 0xCBF29CE484222325ULL;
-};
-
-/// SplitMix64: the same numbers everywhere, which the distributions of the standard library don't promise.
-class Random {
-public:
-    explicit Random(std::uint64_t seed) : state(seed) {}
-    std::uint64_t Next()
-    {
-        std::uint64_t mixed = state += 0x9E3779B97F4A7C15ULL;
-        mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9ULL;
-        mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EBULL;
-        return mixed ^ (mixed >> 31);
-    }
-    std::uint32_t Below(std::uint32_t bound) { return static_cast<std::uint32_t>(Next() % bound); }
-
-private:
-    std::uint64_t state;
 };
 
 /// Any bit pattern, near decimals, whole numbers, and what the IEEE formats hold besides numbers.

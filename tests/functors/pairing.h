@@ -6,30 +6,11 @@
 
 #include "tessera/functors/element_walk.h"
 #include "tessera/functors/functor_base.h"
+#include "tests/support/random.h"
 #include "tests/support/sample_columns.h"
 
 /// Columns, and the ways in which they meet, for tests of functors from two sources.
 namespace MERVO::Tessera {
-
-/// SplitMix64: the same numbers everywhere.
-class Random {
-public:
-    explicit Random(std::uint64_t seed) : state(seed) {}
-    std::uint64_t Next()
-    {
-        std::uint64_t mixed = state += 0x9E3779B97F4A7C15ULL;
-        mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9ULL;
-        mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EBULL;
-        return mixed ^ (mixed >> 31);
-    }
-    std::uint32_t Below(std::size_t bound) { return static_cast<std::uint32_t>(Next() % bound); }
-
-private:
-    std::uint64_t state;
-};
-
-template <typename T>
-using BitsOf = std::conditional_t<sizeof(T) == 8, std::uint64_t, std::uint32_t>;
 
 /// A cell that is often one of those where operations change their ways, and often equal to another one.
 template <typename T>
@@ -130,17 +111,6 @@ inline std::vector<Containers> AllContainers()
         }
     }
     return all;
-}
-
-/// Whether two cells have the same bits; DateTime counts by its stamp, a table by its code and int32 cells.
-template <typename T>
-bool HasSameBits(const T& left, const T& right)
-{
-    if constexpr (std::is_floating_point_v<T>) {
-        return std::bit_cast<BitsOf<T>>(left) == std::bit_cast<BitsOf<T>>(right);
-    } else {
-        return IsSame<T>(left, right);
-    }
 }
 
 /// Where the windows of left operand, right operand and result begin in their columns.

@@ -46,19 +46,11 @@ SeriesPtr DestinationFor(const Cursor& src, ContainerID container)
     return BuildSeries(attr, "result");
 }
 
-/// True where two values have the same bits, or text, or stamp.
+/// HasSameBits, with both values where they differ.
 template <typename T>
 testing::AssertionResult IsBitwise(const T& actual, const T& expected)
 {
-    bool isSame = false;
-    if constexpr (std::is_same_v<T, double>) {
-        isSame = std::bit_cast<std::uint64_t>(actual) == std::bit_cast<std::uint64_t>(expected);
-    } else if constexpr (std::is_same_v<T, float>) {
-        isSame = std::bit_cast<std::uint32_t>(actual) == std::bit_cast<std::uint32_t>(expected);
-    } else {
-        isSame = IsSame<T>(actual, expected);
-    }
-    if (isSame) {
+    if (HasSameBits<T>(actual, expected)) {
         return testing::AssertionSuccess();
     }
     if constexpr (std::is_same_v<T, DateTime>) {

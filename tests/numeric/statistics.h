@@ -21,7 +21,7 @@ enum Flavour { PLAIN, EQUAL, EXTREME, SIGNED_ZEROS, WITH_NAN, ONLY_NAN, WITH_INF
 template <std::floating_point T>
 T RandomNan(std::mt19937_64& random)
 {
-    using Bits = std::conditional_t<sizeof(T) == 8, std::uint64_t, std::uint32_t>;
+    using Bits = BitsOf<T>;
     const auto infinite = std::bit_cast<Bits>(std::numeric_limits<T>::infinity());
     return std::bit_cast<T>(static_cast<Bits>(random()) | infinite | Bits{1}); // signalling ones too, of both signs
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <bit>
+#include <concepts>
 #include <cstdint>
 #include <string>
 #include <tuple>
@@ -96,6 +98,20 @@ bool IsSame(const T& left, const T& right)
                 left.template To1DVector<std::int32_t>() == right.template To1DVector<std::int32_t>());
     } else {
         return left == right;
+    }
+}
+
+template <std::floating_point T>
+using BitsOf = std::conditional_t<sizeof(T) == 8, std::uint64_t, std::uint32_t>;
+
+/// As IsSame, but numbers must have the same bits: NaN is the same as itself, and 0 another number than -0.
+template <typename T>
+bool HasSameBits(const T& left, const T& right)
+{
+    if constexpr (std::is_floating_point_v<T>) {
+        return std::bit_cast<BitsOf<T>>(left) == std::bit_cast<BitsOf<T>>(right);
+    } else {
+        return IsSame<T>(left, right);
     }
 }
 
