@@ -21,34 +21,23 @@ void AdviseHugePages([[maybe_unused]] void* block, [[maybe_unused]] std::size_t 
 #endif
 }
 
-constexpr std::size_t CACHE_LINE = 64;
-
-/// Where the memory around a block begins. Even the most narrowly aligned memory leaves room for that before a block.
-void*& BeginOf(void* block) { return static_cast<void**>(block)[-1]; }
+constexpr std::align_val_t CACHE_LINE{64};
 
 } // namespace
 
 void* AllocateBlock(std::size_t count, std::size_t elementSize) noexcept
 {
     std::size_t bytes = 0;
-    if (__builtin_mul_overflow(count, elementSize, &bytes) || bytes > PTRDIFF_MAX - CACHE_LINE) {
+    if (__builtin_mul_overflow(count, elementSize, &bytes) || bytes > PTRDIFF_MAX) {
         return nullptr;
     }
-    auto* const whole = static_cast<std::byte*>(::operator new(bytes + CACHE_LINE, std::nothrow));
-    if (whole == nullptr) {
-        return nullptr;
+    void* const block = ::operator new(bytes, CACHE_LINE, std::nothrow);
+    if (block != nullptr) {
+        AdviseHugePages(block, bytes);
     }
-    std::byte* const block = whole + CACHE_LINE - reinterpret_cast<std::uintptr_t>(whole) % CACHE_LINE;
-    BeginOf(block) = whole;
-    AdviseHugePages(block, bytes);
     return block;
 }
 
-void FreeBlock(void* block) noexcept
-{
-    if (block != nullptr) {
-        ::operator delete(BeginOf(block));
-    }
-}
+void FreeBlock(void* block) noexcept { ::operator delete(block, CACHE_LINE); }
 
 } // namespace MERVO::Tessera

@@ -9,6 +9,7 @@
 
 namespace MERVO::Tessera {
 
+class BaseGroups;
 class Groups;
 
 /**
@@ -219,8 +220,8 @@ public:
      * Marks rows that are equal to another one, in one column of bools named "col_0".
      *
      * Floating numbers are equal if they lie within 2^-52 (float: 2^-23) of the next row in order, NaN never is; all
-     * others if they are the same. With floating numbers rows are sorted, with a working set of 29 bytes per row; else
-     * they are numbered (see RowNumbers), with one byte per row.
+     * others if they are the same. Working set: with floating numbers, for which rows are sorted, 29 bytes per row;
+     * else a byte per row, and some 32 bytes per distinct row (56 per distinct string) or 4 per row.
      * @param subset the columns that count, as absolute positions; all of the table's without any.
      * @param keep   which of equal rows is not marked: "first", "last", or "false" for none of them.
      * @return the marks, or a table with the code: this one's own; 7: no rows or columns; 5: another keep; 4: no such
@@ -261,6 +262,7 @@ public:
 
 private:
     friend class ColumnLoader;
+    friend class BaseGroups; // which shares the columns
 
     bool CheckGroupIndex(unsigned int keyCount, const unsigned int* keys) const;
     Groups GroupByInPlace(unsigned int keyCount, const unsigned int* keys, const std::vector<std::uint32_t>& index,

@@ -12,7 +12,7 @@ std::unique_ptr<DataFrame> TableOf(const BaseGroups& groups, std::uint32_t group
     try {
         auto table = std::make_unique<DataFrame>(groups.CopyGroup(group));
         return table->GetError().code == ERROR_NONE ? std::move(table) : nullptr;
-    } catch (const std::bad_alloc&) {
+    } catch (...) {
         return nullptr;
     }
 }

@@ -115,7 +115,7 @@ Groups DataFrame::GroupBy(unsigned int keyCount, const unsigned int* keys, bool 
             return {};
         }
         return GroupByKeys(keyCount, keys, inPlace, ascending, sorted);
-    } catch (const std::bad_alloc&) {
+    } catch (...) { // no memory, or more rows than a list has room for
         LogError("out of memory on GroupBy");
         return {};
     }

@@ -1,32 +1,13 @@
 #include "tessera/grouping/groups.h"
 
 #include <algorithm>
-#include <new>
 #include <numeric>
 #include <utility>
 
-#include "tessera/functors/copy_series.h"
-#include "tessera/functors/functor_factory.h"
 #include "tessera/functors/table_combination.h"
+#include "tessera/operations/column_copies.h"
 
 namespace MERVO::Tessera {
-namespace {
-
-/// Some rows of a column in a new one.
-SeriesPtr PartOf(const SeriesPtr& column, std::uint32_t begin, std::uint32_t end)
-{
-    SeriesPtr part = BuildSeries(WithLength(column->GetAttr(), end - begin), column->GetName());
-    const Cursor to = part->GetIterator();
-    if (to == nullptr) {
-        throw std::bad_alloc();
-    }
-    const Func::FunctorFactory<Func::CopySeries, Func::UnaryBase> make;
-    static_cast<void>(make(CONTAINER_ARRAY)->ProcessSeries(column->GetIterator(begin, end), to, true));
-    return part;
-}
-
-} // namespace
-
 BaseGroups::BaseGroups(SharedColumns&& sharedColumns, const std::vector<std::uint32_t>& keys)
     : keyColumns(keys), columns(std::move(sharedColumns)), processedColumns(columns)
 {
@@ -43,43 +24,40 @@ void BaseGroups::BeginGroups(const std::vector<std::uint8_t>& flags)
     groupBegins.push_back(static_cast<std::uint32_t>(flags.size()));
 }
 
-DataFrame BaseGroups::CopyRows(unsigned int group, const std::vector<std::uint32_t>& positions) const
+DataFrame BaseGroups::CopyRows(unsigned int group, std::span<const std::uint32_t> positions) const
 {
-    DataFrame::Columns parts;
-    for (const std::uint32_t position : positions) {
-        parts.push_back(PartOf((*columns)[position], groupBegins[group], groupBegins[group + 1]));
+    DataFrame whole;
+    whole.series = columns;
+    whole.RefreshShape();
+    whole.SetRowIndex({groupBegins[group], groupBegins[group + 1]});
+    DataFrame::Columns copies;
+    const Error copied = CopyColumns(whole, positions, copies);
+    if (copied.code != ERROR_NONE) {
+        return Func::FailedTable(copied.code, copied.message);
     }
-    DataFrame result(std::move(parts));
+    DataFrame result(std::move(copies));
     static_cast<void>(result.RefreshView()); // a failure is in the table
     return result;
 }
 
 DataFrame BaseGroups::CopyGroup(unsigned int group) const
 {
-    if (group >= groupCount) {
+    if (group >= groupCount || columns == nullptr) {
         return {};
     }
-    try {
-        std::vector<std::uint32_t> all(columns->size());
-        std::iota(all.begin(), all.end(), 0U);
-        return CopyRows(group, all);
-    } catch (const std::bad_alloc&) {
-        return Func::FailedTable(ERROR_OUT_OF_MEMORY, "out of memory on copying a group");
-    }
+    std::vector<std::uint32_t> all(columns->size());
+    std::iota(all.begin(), all.end(), 0U);
+    return CopyRows(group, all);
 }
 
 DataFrame BaseGroups::CopyLabel(unsigned int group) const
 {
-    if (group >= groupCount) {
+    if (group >= groupCount || columns == nullptr) {
         return {};
     }
-    try {
-        std::vector<std::uint32_t> keys = keyColumns;
-        std::sort(keys.begin(), keys.end());
-        return CopyRows(group, keys);
-    } catch (const std::bad_alloc&) {
-        return Func::FailedTable(ERROR_OUT_OF_MEMORY, "out of memory on copying a group");
-    }
+    std::vector<std::uint32_t> keys = keyColumns;
+    std::sort(keys.begin(), keys.end());
+    return CopyRows(group, keys);
 }
 
 Groups::Groups(

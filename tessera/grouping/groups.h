@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "tessera/core/data_frame.h"
@@ -27,7 +28,7 @@ public:
     const std::vector<std::uint32_t>& GetKeyColumns() const { return keyColumns; }
 
     /// A group's rows as a table of its own: of all columns, or of the key columns only, in the columns' order. Empty
-    /// for a group that there is not; 3 in it without memory.
+    /// for a group that there is not. With the code: 5: the columns have no such rows; 3: no memory.
     DataFrame CopyGroup(unsigned int group) const;
     DataFrame CopyLabel(unsigned int group) const;
 
@@ -53,7 +54,7 @@ protected:
     std::uint32_t groupCount = 0;
 
 private:
-    DataFrame CopyRows(unsigned int group, const std::vector<std::uint32_t>& positions) const;
+    DataFrame CopyRows(unsigned int group, std::span<const std::uint32_t> positions) const;
 };
 
 /// Rows with equal keys in groups, as DataFrame::GroupBy makes them.

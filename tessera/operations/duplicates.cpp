@@ -134,7 +134,7 @@ std::vector<std::uint8_t> DataFrame::DropDuplicatesSubSet(DataFrame& columns, co
         Marks marks(columns.RowCount());
         MarkRepeats(cursors, KeptRowOf(keep), marks);
         return marks;
-    } catch (const std::bad_alloc&) {
+    } catch (...) {
         columns.SetError({ERROR_OUT_OF_MEMORY, "out of memory on DropDuplicatesSubSet"});
         return {};
     }
@@ -154,19 +154,17 @@ DataFrame DataFrame::Duplicated(const std::vector<std::uint32_t>& subset, const 
         LogError("Invalid keep");
         return Func::FailedTable(ERROR_BAD_VALUE, "Invalid keep");
     }
-    DataFrame columns;
-    if (subset.empty()) {
-        columns.ShallowCopy(*this);
-    } else {
-        columns = Borrowed(*series, subset);
-    }
-    const Marks marks = DropDuplicatesSubSet(columns, keep);
-    if (columns.GetError().code != ERROR_NONE) {
-        return Func::FailedTable(columns.GetError().code, columns.GetError().message);
-    }
     try {
-        return TableOfMarks(marks);
-    } catch (const std::bad_alloc&) {
+        DataFrame columns;
+        if (subset.empty()) {
+            columns.ShallowCopy(*this);
+        } else {
+            columns = Borrowed(*series, subset);
+        }
+        const Marks marks = DropDuplicatesSubSet(columns, keep);
+        const Error& failure = columns.GetError();
+        return failure.code == ERROR_NONE ? TableOfMarks(marks) : Func::FailedTable(failure.code, failure.message);
+    } catch (...) { // no memory, or more rows than a list has room for
         LogError("Duplicated create internal df failed.");
         return Func::FailedTable(ERROR_OUT_OF_MEMORY, "Duplicated create internal df failed.");
     }

@@ -34,7 +34,6 @@ RowNumbers::RowNumbers(std::span<const Cursor> columns, Nan nanRule) : nan(nanRu
 {
     const std::uint32_t rows = columns.empty() ? 0 : columns.front()->Length();
     const auto numberBits = static_cast<unsigned int>(std::bit_width(rows));
-    const std::uint32_t mostPlaces = std::max<std::uint32_t>(rows, 1U << 16);
     unsigned int used = 0;
     for (const Cursor& column : columns) {
         Part& part = parts.emplace_back();
@@ -46,17 +45,17 @@ RowNumbers::RowNumbers(std::span<const Cursor> columns, Nan nanRule) : nan(nanRu
             MeasureCells(part, rows);
         }
         if (used + part.bits > KEY_BITS && used > numberBits) {
-            part.packedNumbers = std::make_unique<DistinctKeys>(used, mostPlaces);
+            part.packedNumbers = std::make_unique<DistinctKeys>(used, rows);
             used = numberBits;
         }
         if (used + part.bits > KEY_BITS) {
-            part.ownNumbers = std::make_unique<DistinctKeys>(part.bits, mostPlaces);
+            part.ownNumbers = std::make_unique<DistinctKeys>(part.bits, rows);
             part.bits = numberBits;
         }
         used += part.bits;
     }
     const bool isNumbered = parts.size() == 1 && parts.front().texts != nullptr;
-    rowNumbers = isNumbered ? nullptr : std::make_unique<DistinctKeys>(used, mostPlaces);
+    rowNumbers = isNumbered ? nullptr : std::make_unique<DistinctKeys>(used, rows);
 }
 
 std::uint32_t RowNumbers::Count() const

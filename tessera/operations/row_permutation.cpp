@@ -24,7 +24,8 @@ template <typename T>
 void MoveCell(T& to, T& from) noexcept
 {
     if constexpr (std::is_same_v<T, std::string>) {
-        if (from.size() <= Func::READ_AHEAD && to.capacity() >= Func::READ_AHEAD) {
+        static const bool isInline = std::string().capacity() >= Func::READ_AHEAD;
+        if (isInline && from.size() <= Func::READ_AHEAD) {
             Func::AssignText(to, from); // needs no memory, and less time than moving
         } else {
             to = std::move(from);

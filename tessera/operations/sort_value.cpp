@@ -22,29 +22,29 @@ void WriteInOrder(const Cursor& src, const Cursor& dst, bool ascending)
 
 } // namespace
 
-template <ContainerID CID, typename ASCENDING>
-std::string SortValue<CID, ASCENDING>::GetName() const
+template <ContainerID CID>
+std::string SortValueBase<CID>::GetName() const
 {
     return "SortValue";
 }
 
-template <ContainerID CID, typename ASCENDING>
-SeriesAttr SortValue<CID, ASCENDING>::GetDstAttr(const Cursor& src) const
+template <ContainerID CID>
+SeriesAttr SortValueBase<CID>::GetDstAttr(const Cursor& src) const
 {
     return src->GetAttr();
 }
 
-template <ContainerID CID, typename ASCENDING>
-bool SortValue<CID, ASCENDING>::CheckParams(const Cursor& src, const Cursor& dst) const
+template <ContainerID CID>
+bool SortValueBase<CID>::CheckParams(const Cursor& src, const Cursor& dst) const
 {
     const SeriesAttr from = src->GetAttr();
     const SeriesAttr to = dst->GetAttr();
     return from.length == to.length && from.containerId == to.containerId && from.typeId == to.typeId;
 }
 
-template <ContainerID CID, typename ASCENDING>
+template <ContainerID CID>
 template <typename T>
-ErrorCode SortValue<CID, ASCENDING>::OnExecute(const Cursor& src, const Cursor& dst) const
+ErrorCode SortValueBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
 {
     if constexpr (Arithmetic<T>) {
         return Guarded("SortValue", [&]() -> ErrorCode {
@@ -56,7 +56,8 @@ ErrorCode SortValue<CID, ASCENDING>::OnExecute(const Cursor& src, const Cursor& 
     }
 }
 
+template class SortValueBase<CONTAINER_ARRAY>;
+template class Unary<SortValueBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
 template class SortValue<CONTAINER_ARRAY, bool&>;
-template class Unary<SortValue<CONTAINER_ARRAY, bool&>, MutableArgs::DESTINATION>;
 
 } // namespace MERVO::Tessera::Func

@@ -4,17 +4,11 @@
 
 namespace MERVO::Tessera::Func {
 
-/**
- * Writes the elements of a column of numbers or bools in order, stably, into a column like it.
- *
- * The order is that of SortIndex. Working set: 20 bytes per element, with NaN 28. Code 21: the destination differs in
- * length, container or value type; 1: strings, stamps and nested tables; 3: no memory.
- * @tparam ASCENDING how `ascending` is handed in: bool&.
- */
-template <ContainerID CID, typename ASCENDING>
-class TESSERA_API SortValue final : public Unary<SortValue<CID, ASCENDING>, MutableArgs::DESTINATION> {
+/// All of SortValue but the form in which it takes its argument, so that the forms share their code.
+template <ContainerID CID>
+class TESSERA_API SortValueBase : public Unary<SortValueBase<CID>, MutableArgs::DESTINATION> {
 public:
-    explicit SortValue(ASCENDING isAscending) : ascending(isAscending) {}
+    explicit SortValueBase(bool isAscending) : ascending(isAscending) {}
 
     std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& src) const override;
@@ -23,10 +17,24 @@ public:
     ErrorCode OnExecute(const Cursor& src, const Cursor& dst) const;
 
 private:
-    ASCENDING ascending;
+    bool ascending;
 };
 
-extern template class Unary<SortValue<CONTAINER_ARRAY, bool&>, MutableArgs::DESTINATION>;
+/**
+ * Writes the elements of a column of numbers or bools in order, stably, into a column like it.
+ *
+ * The order is that of SortIndex. Working set: 20 bytes per element, with NaN 28. Code 21: the destination differs in
+ * length, container or value type; 1: strings, stamps and nested tables; 3: no memory.
+ * @tparam ASCENDING how `ascending` is handed in: by value or reference.
+ */
+template <ContainerID CID, typename ASCENDING>
+class TESSERA_API SortValue final : public SortValueBase<CID> {
+public:
+    explicit SortValue(ASCENDING isAscending) : SortValueBase<CID>(isAscending) {}
+};
+
+extern template class Unary<SortValueBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template class SortValueBase<CONTAINER_ARRAY>;
 extern template class SortValue<CONTAINER_ARRAY, bool&>;
 
 } // namespace MERVO::Tessera::Func

@@ -51,7 +51,7 @@ private:
     void OrderFew(Positions positions, std::size_t offset, Rooms rooms, unsigned int depth) const;
     void OrderByRadix(
         Positions positions, std::size_t offset, Rooms rooms, const KeyRange& range, unsigned int depth) const;
-    void OrderWithNan(Positions positions, std::uint64_t* sorted) const;
+    void OrderWithNan(Positions positions, std::uint64_t* words) const;
     template <typename IsSame>
     void OrderEqualOnes(Positions positions, std::size_t offset, Rooms rooms, unsigned int depth, IsSame isSame) const;
 

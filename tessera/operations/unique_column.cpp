@@ -1,4 +1,3 @@
-#include <new>
 #include <vector>
 
 #include "tessera/core/data_frame.h"
@@ -64,7 +63,7 @@ DataFrame DataFrameRef::Unique(std::uint32_t column) const
     }
     try {
         return DistinctCells(*this, column);
-    } catch (const std::bad_alloc&) {
+    } catch (...) { // no memory, or more rows than a list has room for
         return Func::FailedTable(ERROR_OUT_OF_MEMORY, "out of memory on Unique");
     }
 }
