@@ -225,7 +225,7 @@ public:
      * @param subset the columns that count, as absolute positions; all of the table's without any.
      * @param keep   which of equal rows is not marked: "first", "last", or "false" for none of them.
      * @return the marks, or a table with the code: this one's own; 7: no rows or columns; 5: another keep; 4: no such
-     *         column; 1: nested tables; 18: a column in a list; 3: no memory.
+     *         column; 1: nested tables; 18, in a subset 21: a column in a list; 3: no memory.
      */
     DataFrame Duplicated(const std::vector<std::uint32_t>& subset, const std::string& keep) const;
     /// The marks of all rows of a table, a byte of 0 or 1 each; any other keep counts as "first". None after a failure,

@@ -7,6 +7,7 @@
 #include "tessera/core/bit_bytes.h"
 #include "tessera/core/data_frame.h"
 #include "tessera/functors/apply_nullary.h"
+#include "tessera/functors/column_runs.h"
 #include "tessera/functors/functor_factory.h"
 #include "tessera/functors/table_combination.h"
 #include "tessera/operations/group_index.h"
@@ -79,21 +80,25 @@ Marks MarksBySorting(DataFrame& table, KeptRow kept)
     return marks;
 }
 
-/// A table of some of another one's columns, each once, which stay that one's and outlive it.
-DataFrame Borrowed(const DataFrame::Columns& columns, const Positions& subset)
+/// What SelectCol would copy, as columns that stay the table's, cut to its rows. Of a column that is given twice the
+/// last place counts, as that one sorts last.
+DataFrame Borrowed(const DataFrame& table, const DataFrame::Columns& columns, const Positions& subset)
 {
     std::vector<bool> isTaken(columns.size());
     DataFrame::Columns borrowed;
-    for (const std::uint32_t position : subset) {
-        if (position >= columns.size()) {
-            return Func::FailedTable(ERROR_OUT_OF_RANGE, "Index out of max columns number");
+    for (auto position = subset.rbegin(); position != subset.rend(); ++position) {
+        if (*position >= columns.size() || Func::ContainerOf(columns[*position]) != CONTAINER_ARRAY) {
+            return table.SelectCol(Positions{*position}); // it tells what is wrong with that
         }
-        if (!isTaken[position]) {
-            borrowed.push_back(SeriesPtr(columns[position].get(), {false}));
-            isTaken[position] = true;
+        if (!isTaken[*position]) {
+            borrowed.push_back(SeriesPtr(columns[*position].get(), {false}));
+            isTaken[*position] = true;
         }
     }
-    return DataFrame(std::move(borrowed));
+    std::reverse(borrowed.begin(), borrowed.end());
+    DataFrame result(std::move(borrowed));
+    result.SetRowIndex(table.GetRowIndex());
+    return result;
 }
 
 /// A column of bools, named as a loaded one.
@@ -159,7 +164,7 @@ DataFrame DataFrame::Duplicated(const std::vector<std::uint32_t>& subset, const 
         if (subset.empty()) {
             columns.ShallowCopy(*this);
         } else {
-            columns = Borrowed(*series, subset);
+            columns = Borrowed(*this, *series, subset);
         }
         const Marks marks = DropDuplicatesSubSet(columns, keep);
         const Error& failure = columns.GetError();

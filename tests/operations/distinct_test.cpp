@@ -324,7 +324,8 @@ TEST(Duplicated, RefusesWithCodeAndMessage)
         {__LINE__, numbers, {}, "none", {5, "Invalid keep"}, "Invalid keep"},
         {__LINE__, numbers, {0, 1}, "last", {4, "Index out of max columns number"}, nullptr},
         {__LINE__, nested, {}, "last", {1, "Error on calling functor: SortIndex"}, nullptr},
-        {__LINE__, list, {0}, "last", {18, "dst container type cannot be determinated"}, nullptr},
+        {__LINE__, list, {}, "last", {18, "dst container type cannot be determinated"}, nullptr},
+        {__LINE__, list, {0}, "last", {21, "Check param failed in functor: ErrorUnaryFunctor"}, nullptr},
     };
     for (const Refusal& refused : cases) {
         SCOPED_TRACE(refused.line);
