@@ -294,6 +294,61 @@ MERVO_TSR_API int32_t MERVO_TSR_DropNanRow(MERVO_TSR_CONTEXT* dst, const MERVO_T
 MERVO_TSR_API int32_t MERVO_TSR_DropNanCol(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, bool any);
 
 /**
+ * Writes the cells of each column in order, each column for itself. Equal cells keep their order; where NaN comes to
+ * stand, a stable merge sort with `<` decides.
+ * @param dst       receives n rows by c columns, named as in src.
+ * @param src       n rows by c columns of numbers or bools; only read, and may be the handle dst.
+ * @param ascending false turns the order round, though not that of equal cells.
+ * @return dst's code: 0, or 33: a handle fails its check; 1: a column of strings, stamps or tables; 3: no memory.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_SortValue(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, bool ascending);
+
+/**
+ * Takes rows by position: row i of dst is row positions[i] of src. Repeats and any order are allowed.
+ * @param dst       receives m rows by c columns, named as in src; with one column in src, as the positions.
+ * @param positions m rows, 1 at least, of uint32, below n. One column for all of src, or a column for each.
+ * @param src       n rows, 1 at least, by c columns; with one column it serves each column of positions. Only read.
+ * @return dst's code: 0, or 33: a handle fails its check; 4: a position that is no row of src; 21: positions of another
+ *         value type, or no rows; 19: column counts that don't fit; 7: no columns (told by the log, not stored); 3: no
+ *         memory.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_Reorder(
+    MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* positions, const MERVO_TSR_CONTEXT* src);
+
+/**
+ * Lists the distinct values of one column, in the order in which they come first. All NaN are one value, and so are 0.0
+ * and -0.0.
+ * @param dst    a table; receives one column, named as in src, or in case of a failure no column.
+ * @param src    a table or window; only read, and may be the handle dst.
+ * @param column counted from src's first.
+ * @return dst's code: 0, or 33: a handle fails its check; src's own code; 7: src has no columns or no rows; 5: no such
+ *         column; 1: nested tables; 21: a column in a list; 3: no memory.
+ */
+MERVO_TSR_API int32_t MERVO_TSR_Unique(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* src, uint32_t column);
+
+/** Tables made at once. The entries are handles that belong to the record: they are not released for themselves. */
+typedef struct {
+    MERVO_TSR_CONTEXT* entries;
+    uint32_t count;
+} MERVO_TSR_GROUP_ARRAY;
+
+/**
+ * Sorts a table by key columns, in descending order, and makes a table of each run of rows with equal keys.
+ *
+ * The first key is the most significant one, and rows with equal keys keep their order. Floating numbers are equal up
+ * to a distance of 2^-52 (float: 2^-23) from the next row; each NaN is a group of its own.
+ * @param table    is reordered; on a failure before that it stays as it is. Nothing is stored in it.
+ * @param keys     keyCount column positions, each once.
+ * @return the groups in descending order of their keys, which the caller releases; null, and the reason in the log, for
+ *         a null pointer, no keys, a handle that holds no table, a table that failed or is without columns or rows, a
+ *         key that is no column or comes twice, or no memory.
+ */
+MERVO_TSR_API MERVO_TSR_GROUP_ARRAY* MERVO_TSR_GroupBy(
+    MERVO_TSR_CONTEXT* table, const uint32_t* keys, uint32_t keyCount);
+/** Releases the tables and the record, and sets the caller's pointer to null. A null pointer is told to the log. */
+MERVO_TSR_API void MERVO_TSR_ReleaseGroupArray(MERVO_TSR_GROUP_ARRAY** array);
+
+/**
  * The reductions turn each column of src into one cell of dst, named as in src.
  *
  * Sum:    added from the first row to the last; float in float, bool counted as int64, DateTime in 32 bits, all others

@@ -21,6 +21,8 @@ void AdviseHugePages([[maybe_unused]] void* block, [[maybe_unused]] std::size_t 
 #endif
 }
 
+constexpr std::align_val_t CACHE_LINE{64};
+
 } // namespace
 
 void* AllocateBlock(std::size_t count, std::size_t elementSize) noexcept
@@ -29,13 +31,13 @@ void* AllocateBlock(std::size_t count, std::size_t elementSize) noexcept
     if (__builtin_mul_overflow(count, elementSize, &bytes) || bytes > PTRDIFF_MAX) {
         return nullptr;
     }
-    void* const block = ::operator new(bytes, std::nothrow);
+    void* const block = ::operator new(bytes, CACHE_LINE, std::nothrow);
     if (block != nullptr) {
         AdviseHugePages(block, bytes);
     }
     return block;
 }
 
-void FreeBlock(void* block) noexcept { ::operator delete(block); }
+void FreeBlock(void* block) noexcept { ::operator delete(block, CACHE_LINE); }
 
 } // namespace MERVO::Tessera

@@ -10,6 +10,9 @@
 
 namespace MERVO::Tessera {
 
+class BaseGroups;
+class Groups;
+
 /**
  * A table: the owner of its columns.
  *
@@ -257,8 +260,60 @@ public:
     /// The same for the row forms by `thresh`; it fills an empty `subset`.
     bool DropNanRowThreshCheck(std::vector<std::uint32_t>& subset, ErrorCode& code) const;
 
+    /**
+     * Marks rows that are equal to another one, in one column of bools named "col_0".
+     *
+     * Floating numbers are equal if they lie within 2^-52 (float: 2^-23) of the next row in order, NaN never is; all
+     * others if they are the same. Working set: with floating numbers, for which rows are sorted, 29 bytes per row;
+     * else a byte per row, and some 32 bytes per distinct row (56 per distinct string) or 4 per row.
+     * @param subset the columns that count, as absolute positions; all of the table's without any.
+     * @param keep   which of equal rows is not marked: "first", "last", or "false" for none of them.
+     * @return the marks, or a table with the code: this one's own; 7: no rows or columns; 5: another keep; 4: no such
+     *         column; 1: nested tables; 18, in a subset 21: a column in a list; 3: no memory.
+     */
+    DataFrame Duplicated(const std::vector<std::uint32_t>& subset, const std::string& keep) const;
+    /// The marks of all rows of a table, a byte of 0 or 1 each; any other keep counts as "first". None after a failure,
+    /// which `columns` then holds.
+    static std::vector<std::uint8_t> DropDuplicatesSubSet(DataFrame& columns, const std::string& keep);
+    /// Drops the rows that Duplicated marks. Returns 0, or the code of Duplicated, when nothing changes, or of
+    /// DropRowInplace.
+    ErrorCode DropDuplicatesInplace(const std::vector<std::uint32_t>& subset, const std::string& keep);
+    /// The rows that Duplicated leaves unmarked, as a new table; with a failure it holds the code.
+    DataFrame DropDuplicatesOutplace(const std::vector<std::uint32_t>& subset, const std::string& keep) const;
+
+    /**
+     * Brings rows with equal keys together; each group of rows is then a run of them. The first key is the most
+     * significant one, and rows with equal keys keep their order.
+     *
+     * A group ends where a key differs from that of the next row: floating numbers if they lie more than 2^-52 (float:
+     * 2^-23) apart, NaN always, so that each row with NaN is a group of its own. Nested tables as keys neither sort nor
+     * end groups. Working set: that of Sort, and a byte per row; without inPlace a copy of the table.
+     * @param keys      column positions, each once.
+     * @param names     the names of the columns instead.
+     * @param inPlace   reorders this table, whose columns the groups then share; else they get columns of their own.
+     * @param ascending the order of the keys.
+     * @param sorted    false brings equal keys together in the order of their first appearance (see Func::SortIndex).
+     * @return the groups. None, and the reason in the log, for a table that has failed or is without columns or
+     *         rows; for no keys, one that is no column, or one given twice (which is not logged); for a column in a
+     *         list; and for want of memory. A failure changes no row and is not stored.
+     */
+    Groups GroupBy(unsigned int keyCount, const unsigned int* keys, bool inPlace, bool ascending, bool sorted);
+    Groups GroupBy(const std::vector<std::uint32_t>& keys, bool inPlace, bool ascending, bool sorted);
+    Groups GroupBy(const std::vector<std::string>& names, bool inPlace, bool ascending, bool sorted);
+    /// The same for lists written out, which the forms above would leave open.
+    Groups GroupBy(std::initializer_list<std::uint32_t> keys, bool inPlace, bool ascending, bool sorted);
+    Groups GroupBy(std::initializer_list<std::string> names, bool inPlace, bool ascending, bool sorted);
+
 private:
     friend class ColumnLoader;
+    friend class BaseGroups; // which shares the columns
+
+    bool CheckGroupIndex(unsigned int keyCount, const unsigned int* keys) const;
+    Groups GroupByInPlace(unsigned int keyCount, const unsigned int* keys, const std::vector<std::uint32_t>& index,
+        std::vector<std::uint8_t>& flags);
+    Groups GroupByOutPlace(unsigned int keyCount, const unsigned int* keys, const std::vector<std::uint32_t>& index,
+        std::vector<std::uint8_t>& flags);
+    Groups GroupByKeys(unsigned int keyCount, const unsigned int* keys, bool inPlace, bool ascending, bool sorted);
 
     ErrorCode ApplyRows(const UnaryFactory& factory, const DataFrame& src, MERVO_TESSERA_TYPEID type);
     ErrorCode ReadUniformCSV(std::string path, MERVO_TESSERA_TYPEID type, bool hasHeader, const std::string& separator);

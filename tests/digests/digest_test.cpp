@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdlib>
@@ -388,6 +389,40 @@ TEST_F(Digests, OfRows)
         }
     });
     Settle("rows", digest);
+}
+
+/// Sorted rows, distinct values, repeats and groups. Few different cells, so that ties count.
+template <typename T>
+void AddOrders(Digest& digest)
+{
+    for (const unsigned int rows : {1U, 20U, 1000U, 5000U}) {
+        DataFrame few = RandomTable<T>(rows, 3).SelectRow([rows] {
+            std::vector<std::uint32_t> positions(rows);
+            Random random(rows);
+            std::generate(positions.begin(), positions.end(), [&] { return random.Below(rows / 3 + 1); });
+            return positions;
+        }());
+        for (const bool isSorted : {false, true}) {
+            const Groups groups = few.GroupBy({2, 1}, false, rows == 20, isSorted);
+            for (const std::uint32_t position : groups.GetRowOrder()) {
+                digest.Add(position);
+            }
+            digest.Add(groups.GetGroupNum());
+        }
+        AddTable(digest, few.Unique(0));
+        AddTable(digest, few.Duplicated({0, 1}, "last"));
+        digest.Add(few.Sort({0, 2}, rows != 1000));
+        AddTable(digest, few);
+    }
+}
+
+TEST_F(Digests, OfOrdersAndGroups)
+{
+    ForEachFlatType([]<typename T>(std::type_identity<T>) {
+        Digest digest;
+        AddOrders<T>(digest);
+        Settle("order_" + GetTypeNameById(TYPE_ID_OF<T>), digest);
+    });
 }
 
 TEST_F(Digests, OfDateRanges)

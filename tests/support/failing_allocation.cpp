@@ -13,14 +13,15 @@ unsigned int sparedAllocations = NEVER;
 std::size_t smallestCounted = 0;
 bool hasFailed = false;
 
-void* Allocate(std::size_t bytes) noexcept
+void* Allocate(std::size_t bytes, std::size_t alignment = __STDCPP_DEFAULT_NEW_ALIGNMENT__) noexcept
 {
     if (sparedAllocations != NEVER && !hasFailed && bytes >= smallestCounted && sparedAllocations-- == 0) {
         sparedAllocations = NEVER;
         hasFailed = true;
         return nullptr;
     }
-    return std::malloc(bytes == 0 ? 1 : bytes);
+    void* block = nullptr;
+    return ::posix_memalign(&block, alignment, bytes == 0 ? 1 : bytes) == 0 ? block : nullptr;
 }
 
 void* AllocateOrThrow(std::size_t bytes)
@@ -63,7 +64,12 @@ void* operator new(std::size_t bytes) { return AllocateOrThrow(bytes); }
 void* operator new[](std::size_t bytes) { return AllocateOrThrow(bytes); }
 void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept { return Allocate(bytes); }
 void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept { return Allocate(bytes); }
+void* operator new(std::size_t bytes, std::align_val_t alignment, const std::nothrow_t&) noexcept
+{
+    return Allocate(bytes, static_cast<std::size_t>(alignment));
+}
 void operator delete(void* block) noexcept { std::free(block); }
+void operator delete(void* block, std::align_val_t) noexcept { std::free(block); }
 void operator delete[](void* block) noexcept { std::free(block); }
 void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 void operator delete[](void* block, std::size_t) noexcept { std::free(block); }

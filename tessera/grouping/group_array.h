@@ -1,0 +1,19 @@
+#pragma once
+
+#include <memory>
+
+#include "tessera/grouping/groups.h"
+#include "tessera/tessera.h"
+
+namespace MERVO::Tessera {
+
+struct ReleaseArray {
+    void operator()(MERVO_TSR_GROUP_ARRAY* array) const { MERVO_TSR_ReleaseGroupArray(&array); }
+};
+using GroupArray = std::unique_ptr<MERVO_TSR_GROUP_ARRAY, ReleaseArray>;
+
+/// A table for each group, for a host. Null, and the reason in the log under the name of the flat call, where there are
+/// no groups or no memory.
+GroupArray TablesOf(const char* call, const BaseGroups& groups);
+
+} // namespace MERVO::Tessera

@@ -1,0 +1,79 @@
+#include "tessera/grouping/groups.h"
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+#include "tessera/functors/table_combination.h"
+#include "tessera/operations/column_copies.h"
+
+namespace MERVO::Tessera {
+BaseGroups::BaseGroups(SharedColumns&& sharedColumns, const std::vector<std::uint32_t>& keys)
+    : keyColumns(keys), columns(std::move(sharedColumns)), processedColumns(columns)
+{
+}
+
+void BaseGroups::BeginGroups(const std::vector<std::uint8_t>& flags)
+{
+    for (std::size_t row = 0; row < flags.size(); ++row) {
+        if (flags[row] != 0) {
+            groupBegins.push_back(static_cast<std::uint32_t>(row));
+        }
+    }
+    groupCount = static_cast<std::uint32_t>(groupBegins.size());
+    groupBegins.push_back(static_cast<std::uint32_t>(flags.size()));
+}
+
+DataFrame BaseGroups::CopyRows(unsigned int group, std::span<const std::uint32_t> positions) const
+{
+    DataFrame whole;
+    whole.series = columns;
+    whole.RefreshShape();
+    whole.SetRowIndex({groupBegins[group], groupBegins[group + 1]});
+    DataFrame::Columns copies;
+    const Error copied = CopyColumns(whole, positions, copies);
+    if (copied.code != ERROR_NONE) {
+        return Func::FailedTable(copied.code, copied.message);
+    }
+    DataFrame result(std::move(copies));
+    static_cast<void>(result.RefreshView()); // a failure is in the table
+    return result;
+}
+
+DataFrame BaseGroups::CopyGroup(unsigned int group) const
+{
+    if (group >= groupCount || columns == nullptr) {
+        return {};
+    }
+    std::vector<std::uint32_t> all(columns->size());
+    std::iota(all.begin(), all.end(), 0U);
+    return CopyRows(group, all);
+}
+
+DataFrame BaseGroups::CopyLabel(unsigned int group) const
+{
+    if (group >= groupCount || columns == nullptr) {
+        return {};
+    }
+    std::vector<std::uint32_t> keys = keyColumns;
+    std::sort(keys.begin(), keys.end());
+    return CopyRows(group, keys);
+}
+
+Groups::Groups(
+    const std::vector<std::uint8_t>& flags, SharedColumns&& sharedColumns, const std::vector<std::uint32_t>& keys)
+    : BaseGroups(std::move(sharedColumns), keys)
+{
+    std::sort(keyColumns.begin(), keyColumns.end());
+    BeginGroups(flags);
+}
+
+Groups::Groups(const std::vector<std::uint32_t>& index, const std::vector<std::uint8_t>& flags,
+    SharedColumns&& sharedColumns, const std::vector<std::uint32_t>& keys)
+    : BaseGroups(std::move(sharedColumns), keys)
+{
+    rowOrder = index;
+    BeginGroups(flags);
+}
+
+} // namespace MERVO::Tessera

@@ -1,0 +1,105 @@
+#include "tessera/operations/group_index.h"
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <type_traits>
+
+#include "tessera/core/data_frame.h"
+#include "tessera/core/date_time.h"
+#include "tessera/core/flat_call.h"
+#include "tessera/functors/array_form.h"
+#include "tessera/functors/gather.h"
+
+namespace MERVO::Tessera::Func {
+namespace {
+
+template <typename T>
+bool AreDifferent(const T& left, const T& right)
+{
+    if constexpr (std::is_floating_point_v<T>) {
+        return !(std::fabs(left - right) <= std::numeric_limits<T>::epsilon());
+    } else {
+        return left != right;
+    }
+}
+
+/// Values that are compared alike need one kernel.
+template <typename T>
+using ComparedAs = typename std::conditional_t<std::is_integral_v<T> && !std::is_same_v<T, bool>, std::make_unsigned<T>,
+    std::type_identity<T>>::type;
+
+template <typename Position, typename PlaceOf>
+void MarkChanges(Position head, std::vector<std::uint8_t>& flags, PlaceOf placeOf)
+{
+    std::uint8_t* const __restrict marks = flags.data(); // a byte could be part of anything else
+    const std::size_t count = flags.size();
+    for (std::size_t i = 1; i < count; ++i) {
+        marks[i] = AreDifferent(*(head + placeOf(i)), *(head + placeOf(i - 1))) ? 1 : marks[i];
+    }
+}
+
+template <typename T>
+void MarkChangesOf(const Cursor& column, std::vector<std::uint8_t>& flags, const std::vector<std::uint32_t>* index)
+{
+    const auto head = CursorAs<CONTAINER_ARRAY, T>(column).mHead;
+    if (index == nullptr) {
+        MarkChanges(head, flags, [](std::size_t i) { return static_cast<std::ptrdiff_t>(i); });
+    } else {
+        MarkChanges(head, flags, [index](std::size_t i) { return static_cast<std::ptrdiff_t>((*index)[i]); });
+    }
+}
+
+/// Whether every row that a flag stands for is in the column.
+bool HasAllRows(const Cursor& column, const std::vector<std::uint8_t>& flags, const std::vector<std::uint32_t>* index)
+{
+    if (index == nullptr) {
+        return flags.size() <= column->Length();
+    }
+    return flags.empty() || (static_cast<void>(index->at(flags.size() - 1)), AreBelow(*index, column->Length()));
+}
+
+} // namespace
+
+template <ContainerID CID>
+std::string GroupIndexBase<CID>::GetName() const
+{
+    return "GroupIndex";
+}
+
+template <ContainerID CID>
+SeriesAttr GroupIndexBase<CID>::GetDstAttr(const Cursor& cursor) const
+{
+    return cursor->GetAttr();
+}
+
+template <ContainerID CID>
+bool GroupIndexBase<CID>::CheckParams(const Cursor&) const
+{
+    return true;
+}
+
+template <ContainerID CID>
+template <typename T>
+ErrorCode GroupIndexBase<CID>::OnExecute(const Cursor& cursor) const
+{
+    if constexpr (std::is_same_v<T, DataFrame>) {
+        return ERROR_GENERAL;
+    } else {
+        if (!HasAllRows(cursor, flags, index)) {
+            LogError("there exists row that exceeds length limit in GroupIndex");
+            return ERROR_OUT_OF_RANGE;
+        }
+        return Guarded("GroupIndex", [&]() -> ErrorCode {
+            MarkChangesOf<ComparedAs<T>>(ArrayForm(cursor).Get(), flags, index);
+            return ERROR_NONE;
+        });
+    }
+}
+
+template class Nullary<GroupIndexBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template class GroupIndexBase<CONTAINER_ARRAY>;
+template class GroupIndex<CONTAINER_ARRAY, std::vector<std::uint8_t>&>;
+template class GroupIndex<CONTAINER_ARRAY, std::vector<std::uint8_t>&, std::vector<std::uint32_t>&>;
+
+} // namespace MERVO::Tessera::Func

@@ -1,0 +1,139 @@
+#include "tessera/operations/row_numbers.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+
+namespace MERVO::Tessera {
+namespace {
+
+constexpr unsigned int KEY_BITS = 64;
+
+/// Replaces keys by their numbers.
+void NumberInPlace(DistinctKeys& numbering, std::span<std::uint64_t> keys)
+{
+    std::array<std::uint32_t, RowNumbers::BLOCK> numbers;
+    numbering.Number(keys, numbers.data());
+    std::copy_n(numbers.begin(), keys.size(), keys.begin());
+}
+
+} // namespace
+
+void RowNumbers::MeasureCells(Part& part, std::uint32_t rows) const
+{
+    if (rows == 0) {
+        return;
+    }
+    const auto [lowest, highest] = part.cells->BoundsOf(rows);
+    const bool hasUnequalNan = nan == Nan::NONE_EQUAL && part.cells->MayHaveNan() && highest == SortKeys::NAN_KEY;
+    part.lowest = hasUnequalNan ? 0 : lowest; // each NaN takes one of the keys above those of all numbers
+    part.bits = static_cast<unsigned int>(std::bit_width(highest - part.lowest));
+}
+
+RowNumbers::RowNumbers(std::span<const Cursor> columns, Nan nanRule) : nan(nanRule)
+{
+    const std::uint32_t rows = columns.empty() ? 0 : columns.front()->Length();
+    const auto numberBits = static_cast<unsigned int>(std::bit_width(rows));
+    unsigned int used = 0;
+    for (const Cursor& column : columns) {
+        Part& part = parts.emplace_back();
+        if (column->GetAttr().typeId == TESSERA_STRING) {
+            part.texts = CursorAs<CONTAINER_ARRAY, std::string>(column).mHead;
+            part.bits = numberBits;
+        } else {
+            part.cells = KeysOf(column);
+            MeasureCells(part, rows);
+        }
+        if (used + part.bits > KEY_BITS && used > numberBits) {
+            part.packedNumbers = std::make_unique<DistinctKeys>(used, rows);
+            used = numberBits;
+        }
+        if (used + part.bits > KEY_BITS) {
+            part.ownNumbers = std::make_unique<DistinctKeys>(part.bits, rows);
+            part.bits = numberBits;
+        }
+        used += part.bits;
+    }
+    const bool isNumbered = parts.size() == 1 && parts.front().texts != nullptr;
+    rowNumbers = isNumbered ? nullptr : std::make_unique<DistinctKeys>(used, rows);
+}
+
+std::uint32_t RowNumbers::Count() const
+{
+    return rowNumbers != nullptr ? rowNumbers->Count() : parts.front().textNumbers.Count();
+}
+
+void RowNumbers::ReadTexts(Part& part, const Rows& rows, std::uint64_t* keys) const
+{
+    for (std::uint32_t i = 0; i < rows.count; ++i) {
+        const std::uint32_t adjacent = rows.first + (rows.isDownward ? rows.count - 1 - i : i);
+        keys[i] = part.textNumbers.NumberOf(part.texts[rows.positions == nullptr ? adjacent : rows.positions[i]]);
+    }
+}
+
+void RowNumbers::ReadNumbers(Part& part, const Rows& rows, std::uint64_t* keys)
+{
+    if (rows.positions != nullptr) {
+        part.cells->Read({rows.positions, rows.count}, 0, keys);
+    } else {
+        part.cells->ReadRange(rows.first, rows.count, keys);
+    }
+    if (rows.isDownward) {
+        std::reverse(keys, keys + rows.count);
+    }
+    if (part.cells->MayHaveNan() && nan == Nan::NONE_EQUAL) {
+        for (std::uint32_t i = 0; i < rows.count; ++i) {
+            keys[i] -= keys[i] == SortKeys::NAN_KEY ? nanCount++ : 0;
+        }
+    }
+    for (std::uint32_t i = 0; i < rows.count; ++i) {
+        keys[i] -= part.lowest;
+    }
+    if (part.ownNumbers != nullptr) {
+        NumberInPlace(*part.ownNumbers, {keys, rows.count});
+    }
+}
+
+void RowNumbers::NumberRows(const Rows& rows, std::uint32_t* numbers)
+{
+    std::array<std::uint64_t, BLOCK> packed;
+    std::array<std::uint64_t, BLOCK> next;
+    std::fill_n(packed.begin(), rows.count, std::uint64_t{0});
+    for (Part& part : parts) {
+        if (part.packedNumbers != nullptr) {
+            NumberInPlace(*part.packedNumbers, {packed.data(), rows.count});
+        }
+        if (part.texts != nullptr) {
+            ReadTexts(part, rows, next.data());
+        } else {
+            ReadNumbers(part, rows, next.data());
+        }
+        const unsigned int bits = part.bits % KEY_BITS; // a part of all bits is the only one
+        for (std::uint32_t i = 0; i < rows.count; ++i) {
+            packed[i] = packed[i] << bits | next[i];
+        }
+    }
+    if (rowNumbers != nullptr) {
+        rowNumbers->Number({packed.data(), rows.count}, numbers);
+    } else {
+        std::transform(packed.begin(), packed.begin() + rows.count, numbers,
+            [](std::uint64_t number) { return static_cast<std::uint32_t>(number); });
+    }
+}
+
+void RowNumbers::Number(std::span<const std::uint32_t> positions, std::uint32_t* numbers)
+{
+    NumberRows({positions.data(), 0, static_cast<std::uint32_t>(positions.size()), false}, numbers);
+}
+
+void RowNumbers::NumberUp(std::uint32_t first, std::uint32_t count, std::uint32_t* numbers)
+{
+    NumberRows({nullptr, first, count, false}, numbers);
+}
+
+void RowNumbers::NumberDown(std::uint32_t first, std::uint32_t count, std::uint32_t* numbers)
+{
+    NumberRows({nullptr, first, count, true}, numbers);
+}
+
+} // namespace MERVO::Tessera

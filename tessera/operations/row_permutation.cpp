@@ -1,0 +1,110 @@
+#include "tessera/operations/row_permutation.h"
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+#include "tessera/core/data_frame.h"
+#include "tessera/core/date_time.h"
+#include "tessera/functors/assign_text.h"
+#include "tessera/functors/gather.h"
+
+namespace MERVO::Tessera {
+namespace {
+
+using Positions = std::span<const std::uint32_t>;
+
+/// Copying such cells would take memory that may not be there.
+template <typename T>
+constexpr bool OWNS_MEMORY = std::is_same_v<T, std::string> || std::is_same_v<T, DataFrame>;
+
+template <typename T>
+void MoveCell(T& to, T& from) noexcept
+{
+    if constexpr (std::is_same_v<T, std::string>) {
+        static const bool isInline = std::string().capacity() >= Func::READ_AHEAD;
+        if (isInline && from.size() <= Func::READ_AHEAD) {
+            Func::AssignText(to, from); // needs no memory, and less time than moving
+        } else {
+            to = std::move(from);
+        }
+    } else if constexpr (std::is_nothrow_move_assignable_v<T>) {
+        to = std::move(from);
+    } else {
+        std::destroy_at(&to);
+        std::construct_at(&to, std::move(from));
+    }
+}
+
+template <typename T>
+void MoveCells(const Cursor& from, Positions positions, const Cursor& to)
+{
+    if constexpr (OWNS_MEMORY<T>) {
+        constexpr std::size_t AHEAD = 16; // memory answers later than the processor looks
+        T* const source = CursorAs<CONTAINER_ARRAY, T>(from).mHead;
+        T* target = CursorAs<CONTAINER_ARRAY, T>(to).mHead;
+        for (std::size_t i = 0; i < positions.size(); ++i, ++target) {
+            __builtin_prefetch(source + positions[std::min(i + AHEAD, positions.size() - 1)]);
+            MoveCell(*target, source[positions[i]]);
+        }
+    } else {
+        Func::Gather(from, positions, to);
+    }
+}
+
+template <typename T>
+void FollowCells(const Cursor& column, Positions positions, std::vector<bool>& isPlaced)
+{
+    const auto head = CursorAs<CONTAINER_ARRAY, T>(column).mHead;
+    const auto cellAt = [head](
+                            std::uint32_t row) -> decltype(auto) { return *(head + static_cast<std::ptrdiff_t>(row)); };
+    for (std::uint32_t first = 0; first < positions.size(); ++first) {
+        if (isPlaced[first]) {
+            continue;
+        }
+        T kept = std::move(cellAt(first));
+        std::uint32_t row = first;
+        for (; positions[row] != first; row = positions[row]) {
+            if constexpr (std::is_same_v<T, bool>) {
+                cellAt(row) = cellAt(positions[row]);
+            } else {
+                MoveCell(cellAt(row), cellAt(positions[row]));
+            }
+            isPlaced[row] = true;
+        }
+        if constexpr (std::is_same_v<T, bool>) {
+            cellAt(row) = kept;
+        } else {
+            MoveCell(cellAt(row), kept);
+        }
+        isPlaced[row] = true;
+    }
+}
+
+using Mover = void (*)(const Cursor& from, Positions positions, const Cursor& to);
+constexpr auto MOVERS = ForEachValueType([](auto number) -> Mover { return &MoveCells<ValueTypes::At<number()>>; });
+
+using Follower = void (*)(const Cursor& column, Positions positions, std::vector<bool>& isPlaced);
+constexpr auto FOLLOWERS =
+    ForEachValueType([](auto number) -> Follower { return &FollowCells<ValueTypes::At<number()>>; });
+
+} // namespace
+
+RowPermutation::RowPermutation(Positions order) : positions(order), isPlaced(order.size()) {}
+
+bool RowPermutation::KeepsAll() const { return std::is_sorted(positions.begin(), positions.end()); }
+
+void RowPermutation::MoveInto(const Cursor& from, const Cursor& to) const noexcept
+{
+    MOVERS[static_cast<std::size_t>(from->GetAttr().typeId)](from, positions, to);
+}
+
+void RowPermutation::ReorderInPlace(const Cursor& column) noexcept
+{
+    std::fill(isPlaced.begin(), isPlaced.end(), false);
+    FOLLOWERS[static_cast<std::size_t>(column->GetAttr().typeId)](column, positions, isPlaced);
+}
+
+} // namespace MERVO::Tessera

@@ -1,0 +1,183 @@
+#include "tessera/operations/sort_keys.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <limits>
+#include <string>
+#include <type_traits>
+
+#include "tessera/core/data_frame.h"
+#include "tessera/core/date_time.h"
+
+namespace MERVO::Tessera {
+namespace {
+
+template <std::unsigned_integral T>
+std::uint64_t KeyOf(T number)
+{
+    return number;
+}
+
+template <std::signed_integral T>
+std::uint64_t KeyOf(T number)
+{
+    return static_cast<std::uint64_t>(std::int64_t{number}) ^ (std::uint64_t{1} << 63);
+}
+
+/// The bits of a positive number are in its order already, those of a negative one in the opposite.
+template <std::floating_point T>
+std::uint64_t KeyOf(T number)
+{
+    using Bits = std::conditional_t<sizeof(T) == sizeof(std::uint32_t), std::uint32_t, std::uint64_t>;
+    constexpr Bits SIGN = Bits{1} << (8 * sizeof(Bits) - 1);
+    const Bits bits = std::bit_cast<Bits>(number + T{0}); // -0.0 + 0.0 is 0.0
+    const Bits key = (bits & SIGN) != 0 ? ~bits : bits | SIGN;
+    return number == number ? key : SortKeys::NAN_KEY;
+}
+
+std::uint64_t KeyOf(const DateTime& time) { return KeyOf(static_cast<std::int64_t>(time.TimeStamp())); }
+
+template <typename T>
+class NumberKeys final : public SortKeys {
+public:
+    explicit NumberKeys(const Cursor& column)
+        : SortKeys(std::is_floating_point_v<T> ? Kind::FLOATING_NUMBERS : Kind::NUMBERS),
+          head(CursorAs<CONTAINER_ARRAY, T>(column).mHead)
+    {
+    }
+
+    void Read(Positions positions, std::size_t, std::uint64_t* keys) const override
+    {
+        for (const std::uint32_t position : positions) {
+            *keys++ = KeyAt(position);
+        }
+    }
+    void ReadRange(std::uint32_t first, std::uint32_t count, std::uint64_t* keys) const override
+    {
+        for (std::uint32_t i = 0; i < count; ++i) {
+            keys[i] = KeyAt(first + i);
+        }
+    }
+    std::pair<std::uint64_t, std::uint64_t> BoundsOf(std::uint32_t count) const override
+    {
+        if constexpr (std::is_integral_v<T> && !std::is_same_v<T, bool>) {
+            T lowest = std::numeric_limits<T>::max(); // narrow cells are compared many at a time
+            T highest = std::numeric_limits<T>::min();
+            for (std::uint32_t i = 0; i < count; ++i) {
+                lowest = std::min(lowest, head[i]);
+                highest = std::max(highest, head[i]);
+            }
+            return {KeyOf(lowest), KeyOf(highest)};
+        } else {
+            std::pair<std::uint64_t, std::uint64_t> bounds{NAN_KEY, 0};
+            for (std::uint32_t i = 0; i < count; ++i) {
+                bounds = {std::min(bounds.first, KeyAt(i)), std::max(bounds.second, KeyAt(i))};
+            }
+            return bounds;
+        }
+    }
+    std::size_t SharedBytes(Positions, std::size_t) const override { return 0; }
+
+private:
+    std::uint64_t KeyAt(std::uint32_t position) const
+    {
+        if constexpr (std::is_same_v<T, bool>) {
+            return *(head + position) ? 1 : 0;
+        } else {
+            return KeyOf(head[position]);
+        }
+    }
+
+    typename Iterator<CONTAINER_ARRAY, T>::Position head;
+};
+
+template <typename Word>
+Word LoadHighFirst(const char* bytes)
+{
+    Word word = 0;
+    std::memcpy(&word, bytes, sizeof word);
+    static_assert(std::endian::native == std::endian::little);
+    return sizeof word == sizeof(std::uint64_t)
+        ? static_cast<Word>(__builtin_bswap64(word))
+        : static_cast<Word>(__builtin_bswap32(static_cast<std::uint32_t>(word)));
+}
+
+/// Seven bytes, the first one highest and zeros where the text is shorter, above how many of them are the text's; eight
+/// stand for more than seven. So a text that ends comes before one that goes on, even with a zero byte.
+std::uint64_t KeyOfText(const char* bytes, std::size_t left)
+{
+    constexpr std::size_t WORD = sizeof(std::uint64_t);
+    constexpr std::size_t HALF = sizeof(std::uint32_t);
+    if (left >= WORD) {
+        return (LoadHighFirst<std::uint64_t>(bytes) & ~std::uint64_t{0xFF}) | WORD;
+    }
+    std::uint64_t key = left;
+    const auto put = [&key](std::uint64_t word, std::size_t end) { key |= word << (8 * (WORD - end)); };
+    if (left >= HALF) {
+        put(LoadHighFirst<std::uint32_t>(bytes), HALF);
+        put(LoadHighFirst<std::uint32_t>(bytes + left - HALF), left);
+    } else {
+        for (std::size_t i = 0; i < left; ++i) {
+            put(static_cast<unsigned char>(bytes[i]), i + 1);
+        }
+    }
+    return key;
+}
+
+std::size_t SharedBytesOf(const std::string& left, const std::string& right, std::size_t from, std::size_t to)
+{
+    const char* const begin = left.data() + from;
+    const std::size_t end = std::min({left.size(), right.size(), to});
+    return from + static_cast<std::size_t>(std::mismatch(begin, left.data() + end, right.data() + from).first - begin);
+}
+
+class TextKeys final : public SortKeys {
+public:
+    explicit TextKeys(const Cursor& column)
+        : SortKeys(Kind::TEXTS), head(CursorAs<CONTAINER_ARRAY, std::string>(column).mHead)
+    {
+    }
+
+    void Read(Positions positions, std::size_t offset, std::uint64_t* keys) const override
+    {
+        for (const std::uint32_t position : positions) {
+            const std::string& text = head[position];
+            *keys++ = KeyOfText(text.data() + offset, text.size() - offset);
+        }
+    }
+    void ReadRange(std::uint32_t, std::uint32_t, std::uint64_t*) const override {}
+    std::pair<std::uint64_t, std::uint64_t> BoundsOf(std::uint32_t) const override { return {0, 0}; }
+    std::size_t SharedBytes(Positions positions, std::size_t offset) const override
+    {
+        const std::string& first = head[positions.front()];
+        std::size_t shared = first.size();
+        for (const std::uint32_t position : positions.subspan(1)) {
+            shared = SharedBytesOf(first, head[position], offset, shared);
+        }
+        return shared;
+    }
+
+private:
+    const std::string* head;
+};
+
+using Maker = std::unique_ptr<SortKeys> (*)(const Cursor& column);
+constexpr auto MAKERS = ForEachValueType([](auto number) -> Maker {
+    using T = ValueTypes::At<number()>;
+    if constexpr (std::is_same_v<T, DataFrame>) {
+        return [](const Cursor&) { return std::unique_ptr<SortKeys>(); };
+    } else {
+        using Keys = std::conditional_t<std::is_same_v<T, std::string>, TextKeys, NumberKeys<T>>;
+        return [](const Cursor& column) -> std::unique_ptr<SortKeys> { return std::make_unique<Keys>(column); };
+    }
+});
+
+} // namespace
+
+std::unique_ptr<SortKeys> KeysOf(const Cursor& column)
+{
+    return MAKERS[static_cast<std::size_t>(column->GetAttr().typeId)](column);
+}
+
+} // namespace MERVO::Tessera

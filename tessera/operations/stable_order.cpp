@@ -1,0 +1,247 @@
+#include "tessera/operations/stable_order.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <memory>
+
+#include "tessera/core/block.h"
+#include "tessera/operations/key_prefix.h"
+#include "tessera/operations/radix_pairs.h"
+
+namespace MERVO::Tessera {
+namespace {
+
+using Positions = std::span<std::uint32_t>;
+
+/// So few positions are sorted faster by insertion.
+constexpr std::size_t FEW = 24;
+
+/// Texts that differ only after so many keys are left to comparisons, which need no stack.
+constexpr unsigned int DEEPEST = 64;
+
+/// How many prefixes are made at a time, so that they stay in the cache meanwhile.
+constexpr std::size_t BLOCK = 512;
+
+struct ReleaseBlock {
+    void operator()(std::uint64_t* block) const { FreeBlock(block); }
+};
+
+/// Two rooms for a word per position, one behind the other for all positions.
+struct Rooms {
+    std::uint64_t* first;
+    std::uint64_t* second;
+    Rooms From(std::size_t place) const { return {first + place, second + place}; }
+};
+
+/// One sort on its way.
+class StableOrder {
+public:
+    StableOrder(const SortKeys& sortKeys, bool ascending, std::uint32_t highestPosition)
+        : keys(sortKeys), flip(ascending ? 0 : ~std::uint64_t{0}),
+          positionBits(static_cast<unsigned int>(std::bit_width(highestPosition)))
+    {
+    }
+
+    void Order(Positions positions, std::size_t offset, Rooms rooms, unsigned int depth) const;
+    /// Gives the order of Order, in place.
+    void OrderByComparison(Positions positions) const;
+
+private:
+    void OrderFew(Positions positions, std::size_t offset, Rooms rooms, unsigned int depth) const;
+    void OrderByRadix(
+        Positions positions, std::size_t offset, Rooms rooms, const KeyRange& range, unsigned int depth) const;
+    void OrderWithNan(Positions positions, std::uint64_t* words) const;
+    template <typename IsSame>
+    void OrderEqualOnes(Positions positions, std::size_t offset, Rooms rooms, unsigned int depth, IsSame isSame) const;
+
+    std::size_t SkippedBytes(Positions positions) const;
+    void ReadKeys(std::span<const std::uint32_t> positions, std::size_t offset, std::uint64_t* to) const
+    {
+        keys.Read(positions, offset, to);
+        for (std::size_t i = 0; i < positions.size(); ++i) {
+            to[i] ^= flip;
+        }
+    }
+    bool IsNan(std::uint64_t key) const { return keys.MayHaveNan() && (key ^ flip) == SortKeys::NAN_KEY; }
+    bool IsLess(std::uint64_t left, std::uint64_t right) const { return left < right && !IsNan(left) && !IsNan(right); }
+    bool GoesOn(std::uint64_t key) const { return keys.GoesOn(key ^ flip); }
+
+    const SortKeys& keys;
+    std::uint64_t flip; ///< turns the order of keys round
+    unsigned int positionBits;
+};
+
+/// How many bytes to pass over at once, since all texts have them in common. A few of them tell whether it is worth
+/// looking at all.
+std::size_t StableOrder::SkippedBytes(Positions positions) const
+{
+    std::array<std::uint32_t, FEW> samples;
+    std::array<std::uint64_t, FEW> read;
+    for (std::size_t i = 0; i < FEW; ++i) {
+        samples[i] = positions[positions.size() / FEW * i];
+    }
+    ReadKeys(samples, 0, read.data());
+    const bool areSame = std::equal(read.begin() + 1, read.end(), read.begin()) && GoesOn(read.front());
+    return areSame ? keys.SharedBytes(positions, 0) : 0;
+}
+
+void StableOrder::Order(Positions positions, std::size_t offset, Rooms rooms, unsigned int depth) const
+{
+    if (depth > DEEPEST) {
+        OrderByComparison(positions);
+        return;
+    }
+    if (positions.size() <= FEW) {
+        OrderFew(positions, offset, rooms, depth);
+        return;
+    }
+    if (keys.AreOfTexts() && depth == 0) {
+        offset = SkippedBytes(positions);
+    }
+    const std::uint64_t* const read = rooms.first;
+    ReadKeys(positions, offset, rooms.first);
+    const KeyRange range({read, positions.size()});
+    if (IsNan(range.lowest) || IsNan(range.highest)) {
+        OrderWithNan(positions, rooms.first);
+    } else if (range.lowest == range.highest) {
+        if (GoesOn(range.lowest)) {
+            Order(positions, keys.SharedBytes(positions, offset), rooms, depth + 1);
+        }
+    } else if (!range.isSorted) {
+        OrderByRadix(positions, offset, rooms, range, depth);
+    } else if (keys.AreOfTexts()) {
+        OrderEqualOnes(positions, offset + SortKeys::BYTES, rooms, depth,
+            [&](std::size_t left, std::size_t right) { return read[left] == read[right] && GoesOn(read[left]); });
+    }
+}
+
+/// Sorts each run of positions that are the same so far by what follows from `offset` on.
+template <typename IsSame>
+void StableOrder::OrderEqualOnes(
+    Positions positions, std::size_t offset, Rooms rooms, unsigned int depth, IsSame isSame) const
+{
+    for (std::size_t begin = 0, end = 0; begin < positions.size(); begin = end) {
+        for (end = begin + 1; end < positions.size() && isSame(begin, end);) {
+            ++end;
+        }
+        if (end - begin > 1) {
+            Order(positions.subspan(begin, end - begin), offset, rooms.From(begin), depth + 1);
+        }
+    }
+}
+
+void StableOrder::OrderFew(Positions positions, std::size_t offset, Rooms rooms, unsigned int depth) const
+{
+    std::array<std::uint64_t, FEW> read;
+    ReadKeys(positions, offset, read.data());
+    if (std::any_of(read.begin(), read.begin() + positions.size(), [this](auto key) { return IsNan(key); })) {
+        OrderByComparison(positions);
+        return;
+    }
+    for (std::size_t i = 1; i < positions.size(); ++i) {
+        const std::uint64_t key = read[i];
+        const std::uint32_t position = positions[i];
+        std::size_t place = i;
+        for (; place != 0 && key < read[place - 1]; --place) {
+            read[place] = read[place - 1];
+            positions[place] = positions[place - 1];
+        }
+        read[place] = key;
+        positions[place] = position;
+    }
+    if (keys.AreOfTexts()) {
+        OrderEqualOnes(positions, offset + SortKeys::BYTES, rooms, depth,
+            [&](std::size_t left, std::size_t right) { return read[left] == read[right] && GoesOn(read[left]); });
+    }
+}
+
+void StableOrder::OrderByRadix(
+    Positions positions, std::size_t offset, Rooms rooms, const KeyRange& range, unsigned int depth) const
+{
+    const std::span<const std::uint64_t> read(rooms.first, positions.size());
+    const bool anyGoesOn =
+        keys.AreOfTexts() && std::any_of(read.begin(), read.end(), [this](auto key) { return GoesOn(key); });
+    const KeyPrefix prefix(range, std::min(MOST_KEY_BITS, 64 - positionBits));
+    for (std::size_t begin = 0; begin < positions.size(); begin += BLOCK) {
+        const std::size_t count = std::min(BLOCK, positions.size() - begin);
+        prefix.Write(read.subspan(begin, count), positionBits, rooms.second + begin);
+        for (std::size_t i = begin; i < begin + count; ++i) {
+            rooms.second[i] |= positions[i];
+        }
+    }
+    const auto count = static_cast<std::uint32_t>(positions.size());
+    if (prefix.IsWhole() && !anyGoesOn) {
+        SortPairs(rooms.second, rooms.first, count, positionBits, prefix.Bits(), positions.data());
+        return;
+    }
+    const std::uint64_t* const sorted = SortPairs(rooms.second, rooms.first, count, positionBits, prefix.Bits());
+    const std::uint64_t positionMask = (std::uint64_t{1} << positionBits) - 1;
+    for (std::size_t i = 0; i < positions.size(); ++i) {
+        positions[i] = static_cast<std::uint32_t>(sorted[i] & positionMask);
+    }
+    const auto isSamePrefix = [&](std::size_t left, std::size_t right) {
+        return (sorted[left] ^ sorted[right]) >> positionBits == 0;
+    };
+    if (!prefix.IsWhole()) {
+        OrderEqualOnes(positions, offset, rooms, depth, isSamePrefix);
+    } else {
+        OrderEqualOnes(positions, offset + SortKeys::BYTES, rooms, depth, [&](std::size_t left, std::size_t right) {
+            std::uint64_t key = 0;
+            return isSamePrefix(left, right) && (keys.Read(positions.subspan(left, 1), offset, &key), keys.GoesOn(key));
+        });
+    }
+}
+
+/// Sorts pairs of key and position, which makes the same comparisons as sorting the elements themselves.
+void StableOrder::OrderWithNan(Positions positions, std::uint64_t* words) const
+{
+    struct Pair {
+        std::uint64_t key;
+        std::uint64_t position;
+    };
+    auto* const pairs = reinterpret_cast<Pair*>(words);
+    for (std::size_t i = positions.size(); i-- != 0;) {
+        const std::uint64_t key = words[i]; // a pair lies over keys that have had their turn
+        new (pairs + i) Pair{key, positions[i]};
+    }
+    std::stable_sort(pairs, pairs + positions.size(),
+        [this](const Pair& left, const Pair& right) { return IsLess(left.key, right.key); });
+    for (std::size_t i = 0; i < positions.size(); ++i) {
+        positions[i] = static_cast<std::uint32_t>(pairs[i].position);
+    }
+}
+
+void StableOrder::OrderByComparison(Positions positions) const
+{
+    std::stable_sort(positions.begin(), positions.end(), [this](std::uint32_t left, std::uint32_t right) {
+        for (std::size_t offset = 0;; offset += SortKeys::BYTES) {
+            std::uint64_t leftKey = 0;
+            std::uint64_t rightKey = 0;
+            ReadKeys({&left, 1}, offset, &leftKey);
+            ReadKeys({&right, 1}, offset, &rightKey);
+            if (leftKey != rightKey || !GoesOn(leftKey)) {
+                return IsLess(leftKey, rightKey);
+            }
+        }
+    });
+}
+
+} // namespace
+
+void OrderStably(const SortKeys& keys, bool ascending, std::span<std::uint32_t> positions)
+{
+    if (positions.size() < 2) {
+        return;
+    }
+    const StableOrder order(keys, ascending, *std::max_element(positions.begin(), positions.end()));
+    const std::unique_ptr<std::uint64_t[], ReleaseBlock> block(
+        static_cast<std::uint64_t*>(AllocateBlock(2 * positions.size(), sizeof(std::uint64_t))));
+    if (block == nullptr) {
+        order.OrderByComparison(positions);
+    } else {
+        order.Order(positions, 0, {block.get(), block.get() + positions.size()}, 0);
+    }
+}
+
+} // namespace MERVO::Tessera
