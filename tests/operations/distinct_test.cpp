@@ -152,7 +152,7 @@ TYPED_TEST(GroupIndexOf, FlagsRowsThatDifferFromTheOneBefore)
         Flags expected = direct;
         Flags expectedByIndex(200);
         for (std::uint32_t i = 1; i < 200; ++i) {
-            expected[i] |= AreDifferent<T>(source.Cell(i), source.Cell(i - 1)) ? 1 : 0;
+            expected[i] = expected[i] != 0 || AreDifferent<T>(source.Cell(i), source.Cell(i - 1)) ? 1 : 0;
             expectedByIndex[i] = AreDifferent<T>(source.Cell(index[i]), source.Cell(index[i - 1])) ? 1 : 0;
         }
         Flags byIndex(200);
