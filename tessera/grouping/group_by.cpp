@@ -1,3 +1,4 @@
+#include <new>
 #include <numeric>
 #include <set>
 #include <span>
@@ -17,6 +18,8 @@ namespace {
 using Flags = std::vector<std::uint8_t>;
 using Keys = std::vector<std::uint32_t>;
 using Positions = std::vector<std::uint32_t>;
+
+constexpr const char* NO_MEMORY = "out of memory on GroupBy";
 
 /// Runs a functor over the key columns, from the last one given to the first. Nested tables, which can be neither
 /// sorted nor compared, are passed over.
@@ -116,7 +119,7 @@ Groups DataFrame::GroupBy(unsigned int keyCount, const unsigned int* keys, bool 
         }
         return GroupByKeys(keyCount, keys, inPlace, ascending, sorted);
     } catch (...) { // no memory, or more rows than a list has room for
-        LogError("out of memory on GroupBy");
+        LogError(NO_MEMORY);
         return {};
     }
 }
@@ -134,12 +137,17 @@ Groups DataFrame::GroupBy(const std::vector<std::string>& names, bool inPlace, b
 
 Groups DataFrame::GroupBy(std::initializer_list<std::uint32_t> keys, bool inPlace, bool ascending, bool sorted)
 {
-    return GroupBy(Keys(keys), inPlace, ascending, sorted);
+    return GroupBy(static_cast<unsigned int>(keys.size()), keys.begin(), inPlace, ascending, sorted);
 }
 
 Groups DataFrame::GroupBy(std::initializer_list<std::string> names, bool inPlace, bool ascending, bool sorted)
 {
-    return GroupBy(std::vector<std::string>(names), inPlace, ascending, sorted);
+    try {
+        return GroupBy(std::vector<std::string>(names), inPlace, ascending, sorted);
+    } catch (const std::bad_alloc&) {
+        LogError(NO_MEMORY);
+        return {};
+    }
 }
 
 } // namespace MERVO::Tessera

@@ -192,27 +192,30 @@ Flags RepeatsBySorting(const DataFrame& table, const Positions& columns, const s
     std::iota(order.begin(), order.end(), 0U);
     Flags boundaries(order.size());
     boundaries[0] = 1;
-    constexpr auto SORTS = ForEachValueType([](auto number) -> void (*)(const Cursor&, Positions&) {
-        using T = ValueTypes::At<number()>;
-        return [](const Cursor& column, Positions& positions) {
-            if constexpr (!std::is_same_v<T, DataFrame>) {
-                const std::vector<T> cells = CellsOf<T>(column);
-                std::stable_sort(positions.begin(), positions.end(),
-                    [&](std::uint32_t left, std::uint32_t right) { return cells[left] < cells[right]; });
-            }
-        };
-    });
-    constexpr auto COMPARISONS = ForEachValueType([](auto number) -> void (*)(const Cursor&, const Positions&, Flags&) {
-        using T = ValueTypes::At<number()>;
-        return [](const Cursor& column, const Positions& positions, Flags& flags) {
-            if constexpr (!std::is_same_v<T, DataFrame>) {
-                const std::vector<T> cells = CellsOf<T>(column);
-                for (std::size_t i = 1; i < flags.size(); ++i) {
-                    flags[i] |= AreDifferent<T>(cells[positions[i]], cells[positions[i - 1]]) ? 1 : 0;
+    constexpr auto SORTS = ForEachValueType(
+        []<std::size_t N>(std::integral_constant<std::size_t, N>) -> void (*)(const Cursor&, Positions&) {
+            using T = ValueTypes::At<N>;
+            return [](const Cursor& column, Positions& positions) {
+                if constexpr (!std::is_same_v<T, DataFrame>) {
+                    const std::vector<T> cells = CellsOf<T>(column);
+                    std::stable_sort(positions.begin(), positions.end(),
+                        [&](std::uint32_t left, std::uint32_t right) { return cells[left] < cells[right]; });
                 }
-            }
-        };
-    });
+            };
+        });
+    constexpr auto COMPARISONS = ForEachValueType(
+        []<std::size_t N>(std::integral_constant<std::size_t, N>) -> void (*)(const Cursor&, const Positions&, Flags&) {
+            using T = ValueTypes::At<N>;
+            return [](const Cursor& column, const Positions& positions, Flags& flags) {
+                if constexpr (!std::is_same_v<T, DataFrame>) {
+                    const std::vector<T> cells = CellsOf<T>(column);
+                    for (std::size_t i = 1; i < flags.size(); ++i) {
+                        flags[i] =
+                            flags[i] != 0 || AreDifferent<T>(cells[positions[i]], cells[positions[i - 1]]) ? 1 : 0;
+                    }
+                }
+            };
+        });
     const auto forEach = [&](auto visit) {
         for (const std::uint32_t k : columns) {
             visit(static_cast<std::size_t>(table.GetColumn(k)->GetTypeId()), table.GetColumn(k)->GetIterator());

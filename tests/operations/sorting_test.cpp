@@ -58,7 +58,8 @@ T RandomCellOf(Random& random, std::uint32_t kind, std::uint32_t i)
         case 1:
             return static_cast<T>(T{77} + static_cast<T>(random.Below(100)) / T{64});
         case 2:
-            return static_cast<T>(random.Below(5)) * (random.Below(2) == 0 ? T{1} : static_cast<T>(-1)); // -0.0 too
+            return static_cast<T>(
+                static_cast<T>(random.Below(5)) * static_cast<T>(random.Below(2) == 0 ? 1 : -1)); // -0.0 too
         case 3:
             return static_cast<T>(i / 3);
         default:
