@@ -112,8 +112,10 @@ protected:
 private:
     DataFrame CopyRows(unsigned int group, std::span<const std::uint32_t> positions) const;
     std::vector<std::uint32_t> FindDstBegins(const UnaryFactory& creator, unsigned int& total) const;
-    Error ApplyColumn(const UnaryFactory& creator, std::uint32_t position, bool isKey,
-        const std::vector<std::uint32_t>& dstBegin, SeriesPtr& result) const;
+    Error ApplyColumn(const UnaryFactory& creator, std::uint32_t position, const std::vector<std::uint32_t>& dstBegin,
+        SeriesPtr& result) const;
+    Error RepeatKey(const UnaryFactory& creator, std::uint32_t position, const std::vector<std::uint32_t>& dstBegin,
+        SeriesPtr& result) const;
     Error TransformColumn(const UnaryFactory& creator, std::uint32_t position, SeriesPtr& result) const;
 };
 
