@@ -7,5 +7,5 @@ scripts/setup.sh
 scripts/build.sh release -- weather_report quickstart
 echo "== examples/quickstart.c"
 build/release/examples/quickstart
-echo "== examples/weather_report.cpp"
+echo "== examples/weather_report"
 build/release/examples/weather_report examples/data build/release/examples

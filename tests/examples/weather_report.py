@@ -109,6 +109,27 @@ def check_seattle(check, data):
     check.words("Their mean of temp_max", f"{max(means):.6g}")
 
 
+def check_kinds_of_weather(check, data):
+    weather = columns_of(data / "seattle-weather.csv")
+    days = [dict(zip(weather, row)) for row in zip(*weather.values())]
+    rainy = [day for day in days if day["weather"] == "rain"]
+    check.words("Rainy days", f"{len(rainy)} of {len(days)}")
+    rainy.sort(key=lambda day: (float(day["precipitation"]), float(day["wind"])), reverse=True)
+    shown = check.tables.get("The wettest rainy days", [])
+    if [row["date"] for row in shown] != [day["date"] for day in rainy[:5]]:
+        check.failures.append(f"the wettest rainy days are {shown}")
+
+    kinds = list(dict.fromkeys(weather["weather"]))
+    shown = check.tables.get("Kinds of weather, as they first came", [])
+    if [row["weather"] for row in shown] != kinds:
+        check.failures.append(f"the kinds of weather are {shown}")
+    shown = check.tables.get("Days by kind of weather", [])
+    expected = [(kind, weather["weather"].count(kind), weather["date"][weather["weather"].index(kind)])
+                for kind in sorted(kinds)]
+    if [(row["weather"], int(row["days"]), row["first_day"]) for row in shown] != expected:
+        check.failures.append(f"the groups are {shown}")
+
+
 def filled(cells):
     """Each gap takes the last value before it."""
     result = []
@@ -130,6 +151,8 @@ def interpolated(cells):
 def check_air_quality(check, data):
     air = columns_of(data / "airquality.csv")
     numbers = {name: numbers_of(air[name]) for name in ("Ozone", "Solar.R", "Wind", "Temp")}
+    complete = [day for day in zip(*air.values()) if "nan" not in day]
+    check.words("Incomplete days", f"{len(air['Temp']) - len(complete)} of {len(air['Temp'])}")
     numbers["Temp"] = [(fahrenheit - 32) * 5 / 9 for fahrenheit in numbers["Temp"]]
     check.table("Missing values", {name: {
         "gaps": sum(map(math.isnan, cells)),
@@ -146,6 +169,7 @@ def main(data, output, *command):
     run = subprocess.run([*command, data, output], capture_output=True, text=True)
     check = Check(run.stdout)
     check_seattle(check, pathlib.Path(data))
+    check_kinds_of_weather(check, pathlib.Path(data))
     check_air_quality(check, pathlib.Path(data))
     print(*check.failures, run.stderr, sep="\n")
     return run.returncode or bool(check.failures)
