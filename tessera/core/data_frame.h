@@ -218,30 +218,34 @@ public:
     ErrorCode AppendColInplace(const DataFrame& other);
 
     /**
-     * Make a new table of the rows that are not short of values. Missing is a NaN in a float or double column.
+     * Makes a new table of the rows that are not short of values. Missing is a NaN in a float or double column.
      * @param any    true leaves out rows with a NaN in at least one of the columns looked at, false those with NaN in
      *               all of them.
-     * @param thresh leaves out rows with fewer present cells in the columns looked at. Below 1 it gives a copy; above
-     *               their number, a table without columns.
-     * @param subset the columns looked at, counted in the window; all where it is empty. For `any` each counts once;
-     *               for `thresh` a column given twice has its present cells counted twice.
+     * @param subset the columns looked at, each once, counted in the window; all where it is empty.
      * @return the table, or one with the code: this table's own; 4: there is no such column; 5: no such name; 1: a
-     *         column of nested tables; 21: a column in a list; 7: no rows (thresh only); 3: no memory.
+     *         column of nested tables; 21: a column in a list; 3: no memory.
      */
     DataFrame DropNanRow(bool any, const std::vector<std::uint32_t>& subset = {}) const;
     DataFrame DropNanRow(bool any, const std::vector<std::string>& subset) const;
+    /**
+     * The same by a number of cells.
+     * @param thresh leaves out rows with fewer present cells in the columns looked at. Below 1 it gives a copy; above
+     *               their number, a table without columns.
+     * @param subset as above, but the present cells of a column that is given twice count twice.
+     * @return as above; also 7: no rows.
+     */
     DataFrame DropNanRow(int thresh, const std::vector<std::uint32_t>& subset = {}) const;
     DataFrame DropNanRow(int thresh, const std::vector<std::string>& subset) const;
     /**
-     * Make a new table of the columns that are not short of values.
-     * @param any    true leaves out columns with at least one NaN, false those of nothing but NaN; a column without
-     *               rows is one of these.
-     * @param thresh leaves out columns with fewer present cells. Below 1 it gives a copy; above the number of rows, a
-     *               table without columns.
-     * @return the table, or one with the code: this table's own; 7: no columns (any only); 1: a column of nested
-     *         tables; 21: a column in a list; 3: no memory.
+     * Makes a new table of the columns that are not short of values.
+     * @param any true leaves out columns with at least one NaN, false those of nothing but NaN; a column without rows
+     *            is one of these.
+     * @return the table, or one with the code: this table's own; 7: no columns; 1: a column of nested tables; 21: a
+     *         column in a list; 3: no memory.
      */
     DataFrame DropNanCol(bool any) const;
+    /// The same for columns with fewer than `thresh` present cells. Below 1 it gives a copy; above the number of rows,
+    /// a table without columns and without error.
     DataFrame DropNanCol(int thresh) const;
 
     /// Put the table that the form without Inplace gives in this one's place, also where it failed. Return its code; 5
@@ -288,8 +292,8 @@ public:
      * A group ends where a key differs from that of the next row: floating numbers if they lie more than 2^-52 (float:
      * 2^-23) apart, NaN always, so that each row with NaN is a group of its own. Nested tables as keys neither sort nor
      * end groups. Working set: that of Sort, and a byte per row; without inPlace a copy of the table.
-     * @param keys      column positions, each once.
-     * @param names     the names of the columns instead.
+     * @param keyCount  how many keys there are; without keys there are no groups.
+     * @param keys      column positions, or in the other forms names, each once.
      * @param inPlace   reorders this table, whose columns the groups then share; else they get columns of their own.
      * @param ascending the order of the keys.
      * @param sorted    false brings equal keys together in the order of their first appearance (see Func::SortIndex).

@@ -8,9 +8,9 @@ namespace MERVO::Tessera {
 
 /// Smaller blocks are cheap to get.
 inline constexpr std::size_t SMALLEST_KEPT_BLOCK = std::size_t{256} << 10;
-/// The most bytes that are kept: enough for a table of ten million numbers; on a device of 32 bits, which has less, a
-/// tenth of that.
-inline constexpr std::size_t MOST_KEPT_BYTES = std::size_t{sizeof(void*) == 4 ? 8 : 96} << 20;
+/// The most bytes that are kept: enough for a table of fifteen million numbers; on a device of 32 bits, which has less, a
+/// sixteenth of that.
+inline constexpr std::size_t MOST_KEPT_BYTES = std::size_t{sizeof(void*) == 4 ? 8 : 128} << 20;
 
 /**
  * Large blocks that were given back, for the columns that come next: memory that was used before costs no page faults.
