@@ -11,7 +11,9 @@
 namespace MERVO::Tessera {
 
 class BaseGroups;
+class DateTime;
 class Groups;
+class Samples;
 
 /**
  * A table: the owner of its columns.
@@ -304,6 +306,25 @@ public:
     Groups GroupBy(std::initializer_list<std::uint32_t> keys, bool inPlace, bool ascending, bool sorted);
     Groups GroupBy(std::initializer_list<std::string> names, bool inPlace, bool ascending, bool sorted);
 
+    /**
+     * Cuts the rows into windows of one width by a column of moments. The first window starts at the earliest moment,
+     * or, unless closedLeft, ends there; the others follow, and one without rows has a row of missing values. This
+     * table stays as it is.
+     *
+     * Rows come by time, those of one moment in their order. Only stamps count, so no window knows a calendar. Windows
+     * are counted before anything is built. Working set: that of Sort, 8 bytes per row, and a copy of the table.
+     * @param timeColumn a position, or a name.
+     * @param gap        the windows' width in seconds, 1 at least.
+     * @param labelLeft  the moments become the starts of their windows, else the ends. What no moment can be becomes
+     *                   the first or the last one that can.
+     * @param closedLeft a window includes its start and not its end, else the other way round.
+     * @return the windows as groups. None, and the reason in the log, for a table that has failed or is without columns
+     *         or rows; a width below 1; no such column, or one of another type; more rows than 32 bits count or than
+     *         memory can hold; and for want of memory. A failure is not stored.
+     */
+    Samples Resample(unsigned int timeColumn, const DateTime& gap, bool labelLeft, bool closedLeft) const;
+    Samples Resample(std::string timeColumnName, const DateTime& gap, bool labelLeft, bool closedLeft) const;
+
 private:
     friend class ColumnLoader;
     friend class BaseGroups; // which shares the columns
@@ -314,6 +335,8 @@ private:
     Groups GroupByOutPlace(unsigned int keyCount, const unsigned int* keys, const std::vector<std::uint32_t>& index,
         std::vector<std::uint8_t>& flags);
     Groups GroupByKeys(unsigned int keyCount, const unsigned int* keys, bool inPlace, bool ascending, bool sorted);
+    Samples ResampleInner(unsigned int timeColumn, std::vector<std::uint32_t>& index, const DateTime& gap,
+        bool labelLeft, bool closedLeft) const;
 
     ErrorCode ApplyRows(const UnaryFactory& factory, const DataFrame& src, MERVO_TESSERA_TYPEID type);
     ErrorCode ReadUniformCSV(std::string path, MERVO_TESSERA_TYPEID type, bool hasHeader, const std::string& separator);
