@@ -22,6 +22,7 @@
 #include "tessera/functors/to_array.h"
 #include "tessera/functors/type_cast.h"
 #include "tessera/grouping/group_reader.h"
+#include "tessera/grouping/group_transform.h"
 #include "tessera/grouping/groups.h"
 #include "tessera/grouping/sample_functors.h"
 #include "tessera/grouping/samples.h"

@@ -60,6 +60,13 @@ public:
         mHead += static_cast<Distance>(count);
         mTail += static_cast<Distance>(count);
     }
+    /// Stands on another range of the same column, as one made for it would.
+    void MoveTo(Position head, Position tail)
+    {
+        mHead = head;
+        mTail = tail;
+        mAttr.length = Length();
+    }
 
     Position mHead;
     Position mTail;

@@ -3,30 +3,17 @@
 #include <new>
 #include <utility>
 
+#include "tessera/functors/table_combination.h"
+
 namespace MERVO::Tessera {
-namespace {
 
-/// A table on the heap; null without memory for it or its cells.
-std::unique_ptr<DataFrame> TableOf(const BaseGroups& groups, std::uint32_t group)
-{
-    try {
-        auto table = std::make_unique<DataFrame>(groups.CopyGroup(group));
-        return table->GetError().code == ERROR_NONE ? std::move(table) : nullptr;
-    } catch (...) {
-        return nullptr;
-    }
-}
-
-} // namespace
-
-GroupArray TablesOf(const char* call, const BaseGroups& groups)
+GroupArray NewGroupArray(const char* call, std::uint32_t count)
 {
     GroupArray array(new (std::nothrow) MERVO_TSR_GROUP_ARRAY{});
     if (array == nullptr) {
         LogError("[%s] Initialize groupby failed", call);
         return nullptr;
     }
-    const std::uint32_t count = groups.GetGroupNum();
     if (count == 0) {
         LogError("[%s] Groupby length is zero", call);
         return nullptr;
@@ -37,10 +24,26 @@ GroupArray TablesOf(const char* call, const BaseGroups& groups)
         return nullptr;
     }
     array->count = count;
-    for (std::uint32_t group = 0; group < count; ++group) {
-        array->entries[group].dataFrame = TableOf(groups, group).release();
-        if (array->entries[group].dataFrame == nullptr) {
-            LogError("[%s] Create MERVO_TSR_CONTEXT dataframe failed", call);
+    return array;
+}
+
+bool PutTable(const char* call, DataFrame&& table, MERVO_TSR_CONTEXT& entry)
+{
+    const bool isWhole = table.GetError().code == ERROR_NONE;
+    entry.dataFrame = isWhole ? new (std::nothrow) DataFrame(std::move(table)) : nullptr;
+    if (entry.dataFrame == nullptr) {
+        LogError("[%s] Create MERVO_TSR_CONTEXT dataframe failed", call);
+    }
+    return entry.dataFrame != nullptr;
+}
+
+GroupArray TablesOf(const char* call, const BaseGroups& groups)
+{
+    const std::uint32_t count = groups.GetGroupNum();
+    GroupArray array = NewGroupArray(call, count);
+    for (std::uint32_t group = 0; array != nullptr && group < count; ++group) {
+        DataFrame table = Func::GuardedTable(call, [&] { return groups.CopyGroup(group); });
+        if (!PutTable(call, std::move(table), array->entries[group])) {
             return nullptr;
         }
     }

@@ -12,6 +12,12 @@ struct ReleaseArray {
 };
 using GroupArray = std::unique_ptr<MERVO_TSR_GROUP_ARRAY, ReleaseArray>;
 
+/// A record with room for that many tables, for a host; null, and the reason in the log under the name of the flat
+/// call, for none or no memory.
+GroupArray NewGroupArray(const char* call, std::uint32_t count);
+/// Puts a table into a record's entry. False, and the reason in the log, without memory for it or if it has failed.
+bool PutTable(const char* call, DataFrame&& table, MERVO_TSR_CONTEXT& entry);
+
 /// A table for each group, for a host. Null, and the reason in the log under the name of the flat call, where there are
 /// no groups or no memory.
 GroupArray TablesOf(const char* call, const BaseGroups& groups);

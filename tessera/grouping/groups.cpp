@@ -4,10 +4,18 @@
 #include <numeric>
 #include <utility>
 
+#include "tessera/core/flat_call.h"
 #include "tessera/functors/table_combination.h"
 #include "tessera/operations/column_copies.h"
+#include "tessera/operations/select_row.h"
 
 namespace MERVO::Tessera {
+namespace {
+
+using Positions = std::vector<std::uint32_t>;
+
+} // namespace
+
 BaseGroups::BaseGroups(SharedColumns&& sharedColumns, const std::vector<std::uint32_t>& keys)
     : keyColumns(keys), columns(std::move(sharedColumns)), processedColumns(columns)
 {
@@ -74,6 +82,31 @@ Groups::Groups(const std::vector<std::uint32_t>& index, const std::vector<std::u
 {
     rowOrder = index;
     BeginGroups(flags);
+}
+
+void Groups::Show() const { ShowGroups(); }
+
+ErrorCode Groups::ApplyKey(const SeriesPtr& src, const SeriesPtr& dst, const Positions& dstBegin, bool) const
+{
+    return SelectFirstRows(src, dst, dstBegin);
+}
+
+ErrorCode BaseGroups::SelectFirstRows(const SeriesPtr& src, const SeriesPtr& dst, const Positions& dstBegin) const
+{
+    return Guarded("ApplyKey", [&]() -> ErrorCode {
+        Positions rows;
+        for (std::size_t g = 0; g < groupCount && g + 1 < dstBegin.size(); ++g) {
+            rows.insert(rows.end(), dstBegin[g + 1] - dstBegin[g], groupBegins[g]);
+        }
+        const Func::SelectRow<CONTAINER_ARRAY, const Positions&> selection(rows);
+        return selection.ProcessSeries(RowsOf(src), dst == nullptr ? nullptr : dst->GetIterator(), true).code;
+    });
+}
+
+ErrorCode Groups::ApplyValue(
+    const Func::UnaryBase& functor, const SeriesPtr& src, const SeriesPtr& dst, const Positions& dstBegin) const
+{
+    return ApplyToRuns(functor, src, dst, dstBegin);
 }
 
 } // namespace MERVO::Tessera

@@ -4,6 +4,8 @@
 
 #include "tessera/core/flat_call.h"
 #include "tessera/core/memory_room.h"
+#include "tessera/functors/column_runs.h"
+#include "tessera/functors/table_combination.h"
 #include "tessera/grouping/sample_functors.h"
 
 namespace MERVO::Tessera {
@@ -129,6 +131,63 @@ ErrorCode Samples::ReorderRows()
             processedColumns = columns;
         }
         return code;
+    });
+}
+
+void Samples::Show() const { ShowGroups(); }
+
+ErrorCode Samples::ApplyKey(
+    const SeriesPtr& src, const SeriesPtr& dst, const std::vector<std::uint32_t>& dstBegin, bool) const
+{
+    return SelectFirstRows(src, dst, dstBegin);
+}
+
+ErrorCode Samples::ApplyValue(const Func::UnaryBase& functor, const SeriesPtr& src, const SeriesPtr& dst,
+    const std::vector<std::uint32_t>& dstBegin) const
+{
+    return ApplyToRuns(functor, src, dst, dstBegin);
+}
+
+Error Samples::ApplyGlobally(const UnaryFactory& creator, const SeriesPtr& column, SeriesPtr& result) const
+{
+    constexpr const char* FAILURE = "Global Apply failed";
+    constexpr const char* REFUSAL =
+        "Applied functor is invalid, functor for GlobalApply should not change series's size.";
+    const Cursor rows = RowsOf(column);
+    if (rows == nullptr) {
+        return {ERROR_BAD_VALUE, FAILURE};
+    }
+    Func::FunctorSlots<Func::UnaryBase> functors(creator);
+    const Func::UnaryBase& functor = functors.For(Func::ContainerOf(column));
+    const SeriesAttr attr = functor.GetDstAttr(rows);
+    if (attr.length != rows->Length()) {
+        LogError("%s", REFUSAL);
+        return {ERROR_BAD_KIND, REFUSAL};
+    }
+    result = BuildSeries(attr, column->GetName());
+    const Cursor results = result->GetIterator();
+    if (results == nullptr && result->GetTypeId() != TESSERA_INVALID) {
+        return {ERROR_OUT_OF_MEMORY, FAILURE};
+    }
+    return {functor.ProcessSeries(rows, results, true).code, FAILURE};
+}
+
+DataFrame Samples::GlobalApply(const UnaryFactory& creator) const
+{
+    return Func::GuardedTable("GlobalApply", [&] {
+        if (groupCount == 0) {
+            LogError("Empty groups do not support apply");
+            return Func::FailedTable(ERROR_BAD_KIND, "Empty groups do not support apply operation");
+        }
+        auto results = std::make_shared<Columns>(columns->size());
+        for (std::size_t c = 0; c < results->size(); ++c) {
+            const Error outcome = ApplyGlobally(creator, (*columns)[c], (*results)[c]);
+            if (outcome.code != ERROR_NONE) {
+                return Func::FailedTable(outcome.code, outcome.message);
+            }
+        }
+        processedColumns = std::move(results);
+        return GetProcessedDataFrame();
     });
 }
 

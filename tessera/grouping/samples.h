@@ -47,6 +47,20 @@ public:
      */
     [[nodiscard]] ErrorCode ReorderRows();
 
+    void Show() const override;
+    /// Each row of a window's results gets its label, whether it is a single one or not.
+    ErrorCode ApplyKey(const SeriesPtr& src, const SeriesPtr& dst, const std::vector<std::uint32_t>& dstBegin,
+        bool single) const override;
+    ErrorCode ApplyValue(const Func::UnaryBase& functor, const SeriesPtr& src, const SeriesPtr& dst,
+        const std::vector<std::uint32_t>& dstBegin) const override;
+    /**
+     * Runs a functor on each whole column, the time column too, across the windows, and hands out the results as
+     * GetProcessedDataFrame does.
+     * @return the table, or one with the code: 2: there are no windows, or the functor changes the number of rows; 3:
+     *         no memory; or the functor's code.
+     */
+    DataFrame GlobalApply(const UnaryFactory& creator) const;
+
     /// For each row the source row that it comes from; -1 in an empty window.
     const std::vector<std::int32_t>& GetSampleRows() const { return sampleRows; }
     /// For each window the number of its rows.
@@ -58,6 +72,7 @@ public:
 private:
     Error BuildColumn(std::uint32_t position, SeriesPtr& result) const;
     ErrorCode BuildColumns(Columns& results) const;
+    Error ApplyGlobally(const UnaryFactory& creator, const SeriesPtr& column, SeriesPtr& result) const;
     std::vector<std::uint32_t> WindowBegins() const;
 
     std::vector<std::int32_t> sampleRows;
