@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <map>
 #include <set>
 #include <string>
 #include <utility>
@@ -325,6 +326,38 @@ public:
     Samples Resample(unsigned int timeColumn, const DateTime& gap, bool labelLeft, bool closedLeft) const;
     Samples Resample(std::string timeColumnName, const DateTime& gap, bool labelLeft, bool closedLeft) const;
 
+    /// Column positions for PivotTable.
+    struct TableParams {
+        std::vector<std::uint32_t> values;  ///< what fills the cells
+        std::vector<std::uint32_t> index;   ///< the columns whose values become rows
+        std::vector<std::uint32_t> columns; ///< the columns whose values become columns of the result
+    };
+    /// A functor for each column of values, by its position.
+    using PivotCreators = std::map<std::uint32_t, UnaryFactory>;
+    /**
+     * Makes a cross table: a row for each combination of the values in the index columns, and, for each combination of
+     * those in `columns`, a column for each of the values. A cell holds what a functor makes of the values of the rows
+     * with its two combinations.
+     *
+     * The index columns come first. Behind them, combinations come before values; the mean of `sales` for 2021 and
+     * east is in column "sales-2021-east", the keys in the form of a cast to string. Rows and columns are in the order
+     * in which GroupBy without sorting brings the combinations. Without `columns` the result has a column for each of
+     * the values, under its own name. Working set: a copy of the selected columns, that of GroupBy, and twice the
+     * aggregated values.
+     * @tparam T   any number type but bool and long.
+     * @param creators a functor for each of the values, or one for all. If it gives several rows for a combination, the
+     *             first one counts.
+     * @param fill what cells without rows hold, cast to the value's type.
+     * @return the table; one with this table's own code if that failed before. An empty one, and the reason in the log,
+     *         for a position that is no column or comes twice in a list; a functor without a value or a value without a
+     *         functor; no index; a table without rows; a column in a list; a functor that fails; more cells than memory
+     *         can hold, or no memory.
+     */
+    template <typename T>
+    DataFrame PivotTable(const TableParams& params, const PivotCreators& creators, T fill) const;
+    template <typename T>
+    DataFrame PivotTable(const TableParams& params, const UnaryFactory& creator, T fill) const;
+
 private:
     friend class ColumnLoader;
     friend class BaseGroups; // which shares the columns
@@ -337,6 +370,25 @@ private:
     Groups GroupByKeys(unsigned int keyCount, const unsigned int* keys, bool inPlace, bool ascending, bool sorted);
     Samples ResampleInner(unsigned int timeColumn, std::vector<std::uint32_t>& index, const DateTime& gap,
         bool labelLeft, bool closedLeft) const;
+
+    // The steps of PivotTable, which share their code for all types of the fill: it comes as a column of one cell.
+    bool IsPivotTableParamValid(const TableParams& params) const;
+    /// Puts the creators in the order of the values. Returns 0, or -1: one too many, or too few.
+    std::int32_t ProcessTableParam(
+        const TableParams& params, const PivotCreators& creators, std::vector<UnaryFactory>& ordered) const;
+    /// Copies index, columns and values, in this order, and changes the parameters to their places there.
+    DataFrame GetFilterPivotTable(TableParams& params) const;
+    DataFrame PivotByCreator(const TableParams& params, const UnaryFactory& creator, const SeriesPtr& fill) const;
+    DataFrame PivotByCreators(const TableParams& params, const PivotCreators& creators, const SeriesPtr& fill) const;
+    DataFrame PivotCells(TableParams params, const std::vector<UnaryFactory>& creators, const SeriesPtr& fill) const;
+    // These are called on the table of aggregated values; `rows` groups it by index.
+    ErrorCode InsertPivotKey(const Groups& rows, const std::vector<std::uint32_t>& index, DataFrame& result) const;
+    ErrorCode InsertPivotValue(const Groups& rows, const TableParams& params, const SeriesPtr& fill, DataFrame& result);
+    /// Fills a column of the result with the source's cells at the given rows.
+    ErrorCode InsertPivotValueSingle(
+        const std::vector<std::uint32_t>& cellRows, const SeriesPtr& source, const SeriesPtr& destination) const;
+    std::string GetPivotValueName(
+        const TableParams& params, const Groups& columnGroups, unsigned int group, unsigned int value) const;
 
     ErrorCode ApplyRows(const UnaryFactory& factory, const DataFrame& src, MERVO_TESSERA_TYPEID type);
     ErrorCode ReadUniformCSV(std::string path, MERVO_TESSERA_TYPEID type, bool hasHeader, const std::string& separator);

@@ -4,6 +4,9 @@
 
 #include <algorithm>
 
+#include "tessera/core/data_frame.h"
+#include "tessera/core/date_time.h"
+
 namespace MERVO::Tessera {
 
 bool HasRoomFor(std::uint64_t count, std::uint64_t elementSize)
@@ -15,6 +18,13 @@ bool HasRoomFor(std::uint64_t count, std::uint64_t elementSize)
         room = std::min(room, static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(pageSize));
     }
     return elementSize == 0 || count <= room / elementSize;
+}
+
+std::uint64_t CellSizeOf(MERVO_TESSERA_TYPEID type)
+{
+    static constexpr auto SIZES =
+        ForEachValueType([](auto number) -> std::uint64_t { return sizeof(ValueTypes::At<number()>); });
+    return IsValueType(type) ? SIZES[static_cast<std::size_t>(type)] : 0;
 }
 
 } // namespace MERVO::Tessera

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "tessera/core/value_types.h"
+
 namespace MERVO::Tessera {
 
 /**
@@ -11,5 +13,8 @@ namespace MERVO::Tessera {
  * it has would not refuse the block, but end the process while it is filled.
  */
 bool HasRoomFor(std::uint64_t count, std::uint64_t elementSize);
+
+/// The bytes of an element in an array, not counting what it holds elsewhere; 0 for no value type.
+std::uint64_t CellSizeOf(MERVO_TESSERA_TYPEID type);
 
 } // namespace MERVO::Tessera

@@ -11,16 +11,12 @@
 namespace MERVO::Tessera {
 namespace {
 
-/// Bytes of a cell of each value type.
-constexpr auto CELL_SIZES = ForEachValueType([](auto number) { return sizeof(ValueTypes::At<number()>); });
-
 /// Whether columns like these, but of so many rows, would lie in memory.
 bool HaveRoom(const DataFrame::Columns& columns, std::size_t rows)
 {
     std::uint64_t rowBytes = 0;
     for (const SeriesPtr& column : columns) {
-        const MERVO_TESSERA_TYPEID type = column == nullptr ? TESSERA_INVALID : column->GetTypeId();
-        rowBytes += IsValueType(type) ? CELL_SIZES[static_cast<std::size_t>(type)] : 0;
+        rowBytes += column == nullptr ? 0 : CellSizeOf(column->GetTypeId());
     }
     return HasRoomFor(rows, rowBytes);
 }
