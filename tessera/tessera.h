@@ -354,6 +354,23 @@ MERVO_TSR_API MERVO_TSR_GROUP_ARRAY* MERVO_TSR_GroupBy(
  */
 MERVO_TSR_API MERVO_TSR_GROUP_ARRAY* MERVO_TSR_GroupBy_Transform(
     MERVO_TSR_CONTEXT* table, const uint32_t* keys, uint32_t keyCount, uint32_t functor);
+/**
+ * Cuts a table's rows into windows of one width by a column of moments, and makes a table of each window.
+ *
+ * The first window starts at the earliest moment, or, unless closedLeft, ends there. Rows come by time, and their
+ * moments become the label of the window. A window without rows is a table of one row: NaN in columns of float and
+ * double, 0, false, an empty text or table, or the moment 0 in others.
+ * @param table      only read.
+ * @param timeColumn counted among all columns.
+ * @param gapSeconds the windows' width, 1 at least.
+ * @param labelLeft  the label is the window's start, else its end.
+ * @param closedLeft a window includes its start and not its end, else the other way round.
+ * @return the windows in order, which the caller releases; null, and the reason in the log, for a handle that is null
+ *         or holds no table, a table that failed or is without columns or rows, a column that there is not or that is
+ *         not of moments, a width below 1, more rows than memory can hold, or no memory.
+ */
+MERVO_TSR_API MERVO_TSR_GROUP_ARRAY* MERVO_TSR_Resample(
+    MERVO_TSR_CONTEXT* table, uint32_t timeColumn, int32_t gapSeconds, bool labelLeft, bool closedLeft);
 /** Releases the tables and the record, and sets the caller's pointer to null. A null pointer is told to the log. */
 MERVO_TSR_API void MERVO_TSR_ReleaseGroupArray(MERVO_TSR_GROUP_ARRAY** array);
 

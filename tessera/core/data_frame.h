@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <map>
 #include <set>
 #include <string>
 #include <tuple>
@@ -13,7 +14,9 @@
 namespace MERVO::Tessera {
 
 class BaseGroups;
+class DateTime;
 class Groups;
+class Samples;
 
 /**
  * A table: the owner of its columns.
@@ -370,6 +373,57 @@ public:
         std::uint32_t rightCount;
     };
 
+    /**
+     * Cuts the rows into windows of one width by a column of moments. The first window starts at the earliest moment,
+     * or, unless closedLeft, ends there; the others follow, and one without rows has a row of missing values. This
+     * table stays as it is.
+     *
+     * Rows come by time, those of one moment in their order. Only stamps count, so no window knows a calendar. Windows
+     * are counted before anything is built. Working set: that of Sort, 8 bytes per row, and a copy of the table.
+     * @param timeColumn a position, or a name.
+     * @param gap        the windows' width in seconds, 1 at least.
+     * @param labelLeft  the moments become the starts of their windows, else the ends. What no moment can be becomes
+     *                   the first or the last one that can.
+     * @param closedLeft a window includes its start and not its end, else the other way round.
+     * @return the windows as groups. None, and the reason in the log, for a table that has failed or is without columns
+     *         or rows; a width below 1; no such column, or one of another type; more rows than 32 bits count or than
+     *         memory can hold; and for want of memory. A failure is not stored.
+     */
+    Samples Resample(unsigned int timeColumn, const DateTime& gap, bool labelLeft, bool closedLeft) const;
+    Samples Resample(std::string timeColumnName, const DateTime& gap, bool labelLeft, bool closedLeft) const;
+
+    /// Column positions for PivotTable.
+    struct TableParams {
+        std::vector<std::uint32_t> values;  ///< what fills the cells
+        std::vector<std::uint32_t> index;   ///< the columns whose values become rows
+        std::vector<std::uint32_t> columns; ///< the columns whose values become columns of the result
+    };
+    /// A functor for each column of values, by its position.
+    using PivotCreators = std::map<std::uint32_t, UnaryFactory>;
+    /**
+     * Makes a cross table: a row for each combination of the values in the index columns, and, for each combination of
+     * those in `columns`, a column for each of the values. A cell holds what a functor makes of the values of the rows
+     * with its two combinations.
+     *
+     * The index columns come first. Behind them, combinations come before values; the mean of `sales` for 2021 and
+     * east is in column "sales-2021-east", the keys in the form of a cast to string. Rows and columns are in the order
+     * in which GroupBy without sorting brings the combinations. Without `columns` the result has a column for each of
+     * the values, under its own name. Working set: a copy of the selected columns, that of GroupBy, and twice the
+     * aggregated values.
+     * @tparam T   any number type but bool and long.
+     * @param creators a functor for each of the values, or one for all. If it gives several rows for a combination, the
+     *             first one counts.
+     * @param fill what cells without rows hold, cast to the value's type.
+     * @return the table; one with this table's own code if that failed before. An empty one, and the reason in the log,
+     *         for a position that is no column or comes twice in a list; a functor without a value or a value without a
+     *         functor; no index; a table without rows; a column in a list; a functor that fails; more cells than memory
+     *         can hold, or no memory.
+     */
+    template <typename T>
+    DataFrame PivotTable(const TableParams& params, const PivotCreators& creators, T fill) const;
+    template <typename T>
+    DataFrame PivotTable(const TableParams& params, const UnaryFactory& creator, T fill) const;
+
 private:
     friend class ColumnLoader;
     friend class BaseGroups; // which shares the columns
@@ -380,6 +434,27 @@ private:
     Groups GroupByOutPlace(unsigned int keyCount, const unsigned int* keys, const std::vector<std::uint32_t>& index,
         std::vector<std::uint8_t>& flags);
     Groups GroupByKeys(unsigned int keyCount, const unsigned int* keys, bool inPlace, bool ascending, bool sorted);
+    Samples ResampleInner(unsigned int timeColumn, std::vector<std::uint32_t>& index, const DateTime& gap,
+        bool labelLeft, bool closedLeft) const;
+
+    // The steps of PivotTable, which share their code for all types of the fill: it comes as a column of one cell.
+    bool IsPivotTableParamValid(const TableParams& params) const;
+    /// Puts the creators in the order of the values. Returns 0, or -1: one too many, or too few.
+    std::int32_t ProcessTableParam(
+        const TableParams& params, const PivotCreators& creators, std::vector<UnaryFactory>& ordered) const;
+    /// Copies index, columns and values, in this order, and changes the parameters to their places there.
+    DataFrame GetFilterPivotTable(TableParams& params) const;
+    DataFrame PivotByCreator(const TableParams& params, const UnaryFactory& creator, const SeriesPtr& fill) const;
+    DataFrame PivotByCreators(const TableParams& params, const PivotCreators& creators, const SeriesPtr& fill) const;
+    DataFrame PivotCells(TableParams params, const std::vector<UnaryFactory>& creators, const SeriesPtr& fill) const;
+    // These are called on the table of aggregated values; `rows` groups it by index.
+    ErrorCode InsertPivotKey(const Groups& rows, const std::vector<std::uint32_t>& index, DataFrame& result) const;
+    ErrorCode InsertPivotValue(const Groups& rows, const TableParams& params, const SeriesPtr& fill, DataFrame& result);
+    /// Fills a column of the result with the source's cells at the given rows.
+    ErrorCode InsertPivotValueSingle(
+        const std::vector<std::uint32_t>& cellRows, const SeriesPtr& source, const SeriesPtr& destination) const;
+    std::string GetPivotValueName(
+        const TableParams& params, const Groups& columnGroups, unsigned int group, unsigned int value) const;
 
     using MergeRows = std::vector<std::uint32_t>; ///< positions of rows or columns
 
