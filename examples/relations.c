@@ -50,27 +50,14 @@ static double FirstCell(const MERVO_TSR_CONTEXT* table, uint32_t column)
     return cell;
 }
 
-/* The sum of what was made in all rows. A window leaves out the columns that can't be added up. */
-static double TotalMade(const MERVO_TSR_CONTEXT* table, uint32_t rowCount)
+/* What all rows of a table have in a column of numbers, added up. */
+static double Total(const MERVO_TSR_CONTEXT* table, uint32_t column)
 {
-    const uint32_t rows[2] = {0, rowCount};
-    const uint32_t columns[2] = {MADE, MADE + 1};
-    MERVO_TSR_CONTEXT* made = NotNull(MERVO_TSR_Slice(table, rows, columns, 2, 2), "slicing");
-    MERVO_TSR_CONTEXT* sum = NotNull(MERVO_TSR_CreateDF(), "creating a table");
-    StopOnFailure(MERVO_TSR_Sum(sum, made), "summing");
-    const double total = FirstCell(sum, 0);
-    StopOnFailure(MERVO_TSR_Release(&made), "releasing a window");
-    StopOnFailure(MERVO_TSR_Release(&sum), "releasing a sum");
+    MERVO_TSR_CONTEXT* sums = NotNull(MERVO_TSR_CreateDF(), "creating a table");
+    StopOnFailure(MERVO_TSR_Sum(sums, table), "summing");
+    const double total = FirstCell(sums, column);
+    StopOnFailure(MERVO_TSR_Release(&sums), "releasing sums");
     return total;
-}
-
-static uint32_t RowsOf(MERVO_TSR_CONTEXT* table)
-{
-    MERVO_TSR_RESULT counts = {NULL, 0, 0};
-    void* unused[1] = {NULL};
-    counts.rows = unused;
-    StopOnFailure(MERVO_TSR_GetResultFloat(table, &counts), "counting rows"); /* no floats in it: only the counts */
-    return counts.rowCount;
 }
 
 static void PrintByMachine(MERVO_TSR_CONTEXT* log)
@@ -79,7 +66,7 @@ static void PrintByMachine(MERVO_TSR_CONTEXT* log)
     MERVO_TSR_GROUP_ARRAY* machines = NotNull(MERVO_TSR_GroupBy(log, &key, 1), "grouping"); /* reorders the log */
     for (uint32_t g = 0; g < machines->count; ++g) {
         MERVO_TSR_CONTEXT* group = &machines->entries[g];
-        printf("machine %.0f made %.0f\n", FirstCell(group, MACHINE), TotalMade(group, RowsOf(group)));
+        printf("machine %.0f made %.0f\n", FirstCell(group, MACHINE), Total(group, MADE));
     }
     MERVO_TSR_ReleaseGroupArray(&machines);
 }
@@ -95,7 +82,8 @@ static void PrintPlanned(MERVO_TSR_CONTEXT* log)
     const MERVO_TSR_MERGE_KEYS keys = {&left, &right, 1};
     MERVO_TSR_CONTEXT* planned = NotNull(MERVO_TSR_CreateDF(), "creating a table");
     StopOnFailure((int32_t)MERVO_TSR_Merge(planned, log, plan, &keys, TESSERA_JOIN_INNER), "merging");
-    printf("%u of %u rows are of machines with a plan\n", (unsigned)RowsOf(planned), (unsigned)RowsOf(log));
+    printf(
+        "machines with a plan made %.0f of %.0f\n", Total(planned, MADE), Total(log, MADE)); /* behind key and time */
     StopOnFailure(MERVO_TSR_Release(&plan), "releasing the plan");
     StopOnFailure(MERVO_TSR_Release(&planned), "releasing the merged table");
 }
@@ -106,7 +94,7 @@ static void PrintByHour(MERVO_TSR_CONTEXT* log)
     MERVO_TSR_GROUP_ARRAY* hours = NotNull(MERVO_TSR_Resample(log, TIME, HOUR, true, true), "resampling");
     for (uint32_t h = 0; h < hours->count; ++h) {
         MERVO_TSR_CONTEXT* hour = &hours->entries[h];
-        const double made = TotalMade(hour, RowsOf(hour));
+        const double made = Total(hour, MADE);
         if (made == made) { /* an hour without rows has one of NaN */
             printf("hour %u: %.0f\n", (unsigned)h, made);
         } else {

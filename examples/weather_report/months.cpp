@@ -44,9 +44,12 @@ void ReportYears(const DataFrame& weather, const std::string& outputFolder)
     const DataFrame::TableParams cells = {/*values=*/{2}, /*index=*/{0}, /*columns=*/{1}};
     const Func::FunctorFactory<Func::Sum, Func::UnaryBase> count;
     const DataFrame table = days.PivotTable<std::int32_t>(cells, count, /*fill=*/0);
-    StopOnFailure(table.ColumnCount() == 0 ? table.GetError().code + 1 : 0, "the cross table");
-    std::cout << "Days by weather and year\n" << table << '\n';
-    WriteTable(table, outputFolder + "/weather-by-year.csv");
+    // Years come as they first appear in the groups.
+    const std::vector<std::string> inOrder = {"weather", "days-2012", "days-2013", "days-2014", "days-2015"};
+    const DataFrame years = table.SelectCol(inOrder);
+    StopOnFailure(years.GetError().code, "the cross table");
+    std::cout << "Days by weather and year\n" << years << '\n';
+    WriteTable(years, outputFolder + "/weather-by-year.csv");
 }
 
 } // namespace Report

@@ -30,10 +30,12 @@ set timefmt "%Y-%m-%d %H:%M:%S"
 set output folder."/weekly-rain.svg"
 set ylabel "wettest day, mm"
 set format x "%b"
+set xrange ["2011-12-28 00:00:00":"2012-12-31 00:00:00"]
 set boxwidth 5 * 86400
 plot folder."/weekly-rain.csv" using 1:2 with boxes lc rgb "#2980b9" title "rain of 2012 by the week; a gap is a dry week"
 
 set output folder."/cities.svg"
+set xrange ["2010-01-01 00:00:00":"2010-12-31 23:00:00"]
 set ylabel "degrees Fahrenheit"
 plot folder."/cities.csv" using 1:3 with lines lc rgb "#e67e22" title "San Francisco", \
      "" using 1:2 with lines lc rgb "#2980b9" title "Seattle", \

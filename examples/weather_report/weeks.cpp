@@ -22,7 +22,7 @@ void ReportWeeks(const DataFrame& weather, const std::string& outputFolder)
     const std::int64_t dryWeeks = CountTrue(Compute<Func::IsNan>(rain["precipitation"]))[0];
     std::cout << "Weeks of 2012: " << rain.RowCount() << ", of which without rain: " << dryWeeks
               << "\nWettest days of the weeks of summer\n"
-              << rain.Slice(0, {26, 40}) << '\n';
+              << rain.Slice(0, {26, 36}) << '\n';
     WriteTable(rain, outputFolder + "/weekly-rain.csv");
 }
 
