@@ -1,5 +1,8 @@
 #include "tessera/core/distinct_keys.h"
 
+#include <algorithm>
+#include <array>
+
 #include "tessera/core/key_hash.h"
 
 namespace MERVO::Tessera {
@@ -18,6 +21,25 @@ std::uint32_t FindOrKeep(KeyNumbers& numbers, std::vector<Key>& keys, std::uint3
     return number;
 }
 
+/// Numbers a block of keys at a time, so that all their slots are asked for before the first one is needed.
+template <typename Key, typename Source>
+void NumberBlocks(
+    KeyNumbers& numbers, std::vector<Key>& keys, std::span<const Source> sources, std::uint32_t* keyNumbers)
+{
+    std::array<std::uint32_t, 64> hashes;
+    while (!sources.empty()) {
+        const auto block = sources.first(std::min(sources.size(), hashes.size()));
+        for (std::size_t i = 0; i < block.size(); ++i) {
+            hashes[i] = HashOf(block[i]);
+            numbers.Prefetch(hashes[i]);
+        }
+        for (std::size_t i = 0; i < block.size(); ++i) {
+            *keyNumbers++ = FindOrKeep(numbers, keys, hashes[i], Key(block[i]));
+        }
+        sources = sources.subspan(block.size());
+    }
+}
+
 } // namespace
 
 DistinctKeys::DistinctKeys(unsigned int keyBits, std::uint32_t mostPlaces)
@@ -30,9 +52,7 @@ DistinctKeys::DistinctKeys(unsigned int keyBits, std::uint32_t mostPlaces)
 void DistinctKeys::Number(std::span<const std::uint64_t> keys, std::uint32_t* keyNumbers)
 {
     if (places.empty()) {
-        for (const std::uint64_t key : keys) {
-            *keyNumbers++ = FindOrKeep(numbers, numberedKeys, HashOf(key), key);
-        }
+        NumberBlocks(numbers, numberedKeys, keys, keyNumbers);
         count = numbers.Count();
         return;
     }
@@ -45,9 +65,9 @@ void DistinctKeys::Number(std::span<const std::uint64_t> keys, std::uint32_t* ke
     }
 }
 
-std::uint32_t DistinctTexts::NumberOf(std::string_view text)
+void DistinctTexts::Number(std::span<const std::string_view> texts, std::uint32_t* textNumbers)
 {
-    return FindOrKeep(numbers, keys, HashOf(text), TextKey(text));
+    NumberBlocks(numbers, keys, texts, textNumbers);
 }
 
 } // namespace MERVO::Tessera

@@ -31,7 +31,7 @@ private:
 class DistinctTexts {
 public:
     [[nodiscard]] std::uint32_t Count() const { return numbers.Count(); }
-    std::uint32_t NumberOf(std::string_view text);
+    void Number(std::span<const std::string_view> texts, std::uint32_t* textNumbers);
 
 private:
     KeyNumbers numbers;

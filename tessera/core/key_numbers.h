@@ -14,8 +14,9 @@ namespace MERVO::Tessera {
  * only called for keys with the same hash. So one table serves numbers, strings and keys of several columns, for sets
  * as well as for groups: what belongs to a key stands in an array of the caller's, at the key's number.
  *
- * A slot has 8 bytes, and at most half of the slots are taken. Growing throws std::bad_alloc when memory is short, and
- * leaves the table as it was.
+ * A slot has 8 bytes, and at most half of the slots are taken; of few ones at most an eighth, so that hardly any key
+ * stands beside its place, where a jump would be mispredicted each time. Growing throws std::bad_alloc when memory is
+ * short, and leaves the table as it was.
  */
 class KeyNumbers {
 public:
@@ -40,7 +41,7 @@ public:
     {
         std::size_t place = PlaceOf(hash, isSame);
         if (slots[place].mark == FREE) {
-            if (IsHalfFull()) {
+            if (IsFull()) {
                 Grow();
                 place = FreePlaceFor(hash);
             }
@@ -48,6 +49,9 @@ public:
         }
         return slots[place].mark - 1;
     }
+
+    /// Asks for the memory in which a key with this hash stands, if there is one.
+    void Prefetch(std::uint32_t hash) const { __builtin_prefetch(slots.data() + (hash >> shift)); }
 
     /// Calls visit(hash) for every key, in no order.
     template <typename Visit>
@@ -67,7 +71,9 @@ private:
         std::uint32_t mark; ///< the key's number + 1; FREE without a key
     };
 
-    bool IsHalfFull() const { return count >= slots.size() / 2; }
+    static constexpr std::size_t FEW_SLOTS = 2048; ///< which are in the first-level cache
+
+    bool IsFull() const { return count >= slots.size() / (slots.size() < FEW_SLOTS ? 8 : 2); }
     std::size_t NextTo(std::size_t place) const { return (place + 1) & (slots.size() - 1); }
 
     /// Where a key stands, or else the free place where it would.

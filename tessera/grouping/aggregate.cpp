@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <new>
 #include <numeric>
 #include <utility>
 
@@ -52,6 +53,14 @@ ErrorCode Select(const DataFrame& table, const ColumnList& keys, const ColumnLis
     return code;
 }
 
+/// A new column of the cells at some positions. Throws std::bad_alloc.
+SeriesPtr GatherColumn(const Cursor& src, const Positions& positions, const std::string& name)
+{
+    SeriesPtr column = NewColumn(WithLength(src->GetAttr(), static_cast<std::uint32_t>(positions.size())), name);
+    Func::Gather(src, positions, AllOf(column));
+    return column;
+}
+
 /// Whether a functor makes one cell of any column.
 bool IsReducer(const UnaryFactory& creator, const Cursor& column)
 {
@@ -75,43 +84,27 @@ bool IsServed(const DataFrame& table, const Selection& selection, const Creators
 /// Runs a functor on each group of rows: in one pass over the column as it lies, or over a copy in the groups' order.
 ErrorCode ReduceColumn(const Func::UnaryBase& functor, const Cursor& src, GroupedRows& rows, const SeriesPtr& result)
 {
-    const Cursor dst = result->GetIterator();
+    const Cursor dst = AllOf(result);
     if (dst != nullptr && functor.ReduceGroups(src, rows.Groups(), dst)) {
         return ERROR_NONE;
     }
-    SeriesPtr grouped;
-    const ErrorCode code = BuildColumn(src->GetAttr(), {}, grouped);
-    if (code != ERROR_NONE) {
-        return code;
-    }
-    const Cursor runs = grouped->GetIterator();
-    Func::Gather(src, rows.RowOrder(), runs);
+    const SeriesPtr inGroups = GatherColumn(src, rows.RowOrder(), {});
     Positions each(rows.Count() + std::size_t{1});
     std::iota(each.begin(), each.end(), 0U);
-    return ProcessRuns(functor, runs, rows.Groups().begins, dst, each).code;
+    return ProcessRuns(functor, AllOf(inGroups), rows.Groups().begins, dst, each).code;
 }
 
-/// A new column of the cells at some positions.
-ErrorCode GatherColumn(const Cursor& src, const Positions& positions, const std::string& name, SeriesPtr& result)
+SeriesPtr CopyColumn(const Cursor& src, const std::string& name)
 {
-    const SeriesAttr attr = WithLength(src->GetAttr(), static_cast<std::uint32_t>(positions.size()));
-    const ErrorCode code = BuildColumn(attr, name, result);
-    if (code == ERROR_NONE) {
-        Func::Gather(src, positions, result->GetIterator());
+    SeriesPtr column = NewColumn(src->GetAttr(), name);
+    if (Func::CopySeries<CONTAINER_ARRAY>().ProcessSeries(src, AllOf(column), true).code != ERROR_NONE) {
+        throw std::bad_alloc();
     }
-    return code;
+    return column;
 }
 
-ErrorCode CopyColumn(const Cursor& src, const std::string& name, SeriesPtr& result)
-{
-    const ErrorCode code = BuildColumn(src->GetAttr(), name, result);
-    return code != ERROR_NONE
-        ? code
-        : Func::CopySeries<CONTAINER_ARRAY>().ProcessSeries(src, result->GetIterator(), true).code;
-}
-
-/// Makes the columns of a result: makeKey(cursor, name, result) those of keys, makeValue(source, number of the value
-/// column, result) the others. It returns a code, or an error.
+/// Makes the columns of a result: makeKey(source) those of keys, makeValue(source, number of the value column, result),
+/// which returns an error, the others.
 template <typename MakeKey, typename MakeValue>
 DataFrame MakeTable(const DataFrame& table, const Selection& selection, MakeKey&& makeKey, MakeValue&& makeValue)
 {
@@ -121,9 +114,11 @@ DataFrame MakeTable(const DataFrame& table, const Selection& selection, MakeKey&
     for (std::uint32_t c = 0; c < results.size(); ++c) {
         const std::string name = whole.GetColumn(selection.positions[c])->GetName();
         const SourceColumn source{selection.cursors[c], name, c};
-        const Error outcome = c < selection.keyCount
-            ? Error{makeKey(source, results[c]), "out of memory on a key column"}
-            : makeValue(source, c - selection.keyCount, results[c]);
+        if (c < selection.keyCount) {
+            results[c] = makeKey(source);
+            continue;
+        }
+        const Error outcome = makeValue(source, c - selection.keyCount, results[c]);
         if (outcome.code != ERROR_NONE) {
             return FailedTable(outcome.code, outcome.message);
         }
@@ -167,8 +162,8 @@ DataFrame DataFrame::Aggregate(const ColumnList& keys, const ColumnList& values,
             return WithGroups(*this, selection, [&](const Groups& groups) { return groups.Apply(creators); });
         }
         GroupedRows rows(selection.Keys());
-        const auto makeKey = [&](const SourceColumn& source, SeriesPtr& result) {
-            return GatherColumn(source.rows, rows.FirstRows(), source.name, result);
+        const auto makeKey = [&](const SourceColumn& source) {
+            return GatherColumn(source.rows, rows.FirstRows(), source.name);
         };
         const auto makeValue = [&](const SourceColumn& source, std::uint32_t value, SeriesPtr& result) {
             const auto run = [&](const Func::UnaryBase& functor, const SeriesPtr& cells) {
@@ -201,9 +196,7 @@ DataFrame DataFrame::TransformGroups(
             });
         }
         GroupedRows rows(selection.Keys());
-        const auto makeKey = [](const SourceColumn& source, SeriesPtr& result) {
-            return CopyColumn(source.rows, source.name, result);
-        };
+        const auto makeKey = [](const SourceColumn& source) { return CopyColumn(source.rows, source.name); };
         const auto makeValue = [&](const SourceColumn& source, std::uint32_t, SeriesPtr& result) -> Error {
             const auto run = [&](const Func::UnaryBase& functor, const SeriesPtr& cells) {
                 return ReduceColumn(functor, source.rows, rows, cells);
@@ -211,7 +204,7 @@ DataFrame DataFrame::TransformGroups(
             SeriesPtr cells;
             Error outcome = EvaluateColumn(creator, source, rows.Count(), TRANSFORM_TEXTS, run, cells);
             if (outcome.code == ERROR_NONE) {
-                outcome.code = GatherColumn(cells->GetIterator(), rows.GroupOfRow(), source.name, result);
+                result = GatherColumn(AllOf(cells), rows.GroupOfRow(), source.name);
             }
             return outcome;
         };

@@ -57,8 +57,7 @@ ErrorCode BaseGroups::ApplyToRuns(
     const Func::UnaryBase& functor, const SeriesPtr& src, const SeriesPtr& dst, const Positions& dstBegin) const
 {
     return Guarded("ApplyValue", [&] {
-        const Cursor results = dst == nullptr ? nullptr : dst->GetIterator();
-        return ProcessRuns(functor, RowsOf(src), groupBegins, results, dstBegin).code;
+        return ProcessRuns(functor, RowsOf(src), groupBegins, dst == nullptr ? nullptr : AllOf(dst), dstBegin).code;
     });
 }
 
@@ -152,10 +151,8 @@ Error BaseGroups::RepeatKey(
         return LostRows(position);
     }
     const bool isSingle = Functors(creator).For(Func::ContainerOf(column)).GetDstAttr(rows).length == 1;
-    ErrorCode code = BuildColumn(WithLength(column->GetAttr(), dstBegin.back()), column->GetName(), result);
-    if (code == ERROR_NONE) {
-        code = ApplyKey(column, result, dstBegin, isSingle);
-    }
+    result = NewColumn(WithLength(column->GetAttr(), dstBegin.back()), column->GetName());
+    const ErrorCode code = ApplyKey(column, result, dstBegin, isSingle);
     if (code != ERROR_NONE) {
         LogError("Apply key value failed, column index is %d, column name is %s", static_cast<int>(position),
             column->GetName().c_str());
@@ -211,11 +208,9 @@ Error BaseGroups::TransformColumn(const UnaryFactory& creator, std::uint32_t pos
     if (outcome.code != ERROR_NONE) {
         return outcome;
     }
-    ErrorCode code = BuildColumn(WithLength(values->GetAttr(), groupBegins.back()), column->GetName(), result);
-    if (code == ERROR_NONE) {
-        using Spreading = Func::GroupTransform<CONTAINER_ARRAY, const Positions&>;
-        code = Spreading(groupBegins).ProcessSeries(values->GetIterator(), result->GetIterator(), true).code;
-    }
+    result = NewColumn(WithLength(values->GetAttr(), groupBegins.back()), column->GetName());
+    const Func::GroupTransformBase<CONTAINER_ARRAY> spreading(groupBegins);
+    const ErrorCode code = spreading.ProcessSeries(AllOf(values), AllOf(result), true).code;
     if (code != ERROR_NONE) {
         LogError("Transform column with applied value failed, column index is %d, column name is %s",
             static_cast<int>(position), column->GetName().c_str());
@@ -272,10 +267,8 @@ SeriesPtr BaseGroups::CopyBaseSeriesP(const SeriesPtr& column) const
 {
     SeriesPtr copy;
     const ErrorCode code = column == nullptr ? ERROR_BAD_VALUE : Guarded("CopyBaseSeriesP", [&] {
-        const ErrorCode built = BuildColumn(column->GetAttr(), column->GetName(), copy);
-        return built != ERROR_NONE
-            ? built
-            : Func::CopySeries<CONTAINER_ARRAY>().ProcessSeries(column->GetIterator(), copy->GetIterator(), true).code;
+        copy = NewColumn(column->GetAttr(), column->GetName());
+        return Func::CopySeries<CONTAINER_ARRAY>().ProcessSeries(AllOf(column), AllOf(copy), true).code;
     });
     return code == ERROR_NONE ? std::move(copy) : GetErrorSeries();
 }

@@ -1,17 +1,28 @@
 #include "tessera/grouping/group_results.h"
 
+#include <new>
+
 #include "tessera/functors/functor_slots.h"
 #include "tessera/functors/table_combination.h"
 
 namespace MERVO::Tessera {
 
-ErrorCode BuildColumn(const SeriesAttr& attr, const std::string& name, SeriesPtr& result)
+SeriesPtr NewColumn(const SeriesAttr& attr, const std::string& name)
 {
-    result = BuildSeries(attr, name);
-    if (!IsValueType(attr.typeId)) {
-        return ERROR_NONE;
+    SeriesPtr column = BuildSeries(attr, name);
+    if (IsValueType(attr.typeId) && AllOf(column) == nullptr) {
+        throw std::bad_alloc();
     }
-    return result->GetIterator() == nullptr ? ERROR_OUT_OF_MEMORY : ERROR_NONE;
+    return column;
+}
+
+Cursor AllOf(const SeriesPtr& column)
+{
+    Cursor cursor = column->GetIterator();
+    if (cursor == nullptr && column->GetTypeId() != TESSERA_INVALID) {
+        throw std::bad_alloc();
+    }
+    return cursor;
 }
 
 Error EvaluateColumn(const UnaryFactory& creator, const SourceColumn& source, std::uint32_t length,
@@ -27,10 +38,8 @@ Error EvaluateColumn(const UnaryFactory& creator, const SourceColumn& source, st
             static_cast<int>(container), static_cast<int>(attr.containerId));
         return {ERROR_BAD_KIND, texts.containerChange};
     }
-    ErrorCode code = BuildColumn(WithLength(attr, length), source.name, result);
-    if (code == ERROR_NONE) {
-        code = run(functor, result);
-    }
+    result = NewColumn(WithLength(attr, length), source.name);
+    const ErrorCode code = run(functor, result);
     if (code != ERROR_NONE) {
         LogError(texts.failure, functors.Name().c_str(), static_cast<int>(source.position));
         return {code, "Failed to execute functor"};

@@ -18,8 +18,10 @@ inline constexpr ResultTexts APPLY_TEXTS{"container type is changed", "Execute f
 inline constexpr ResultTexts TRANSFORM_TEXTS{
     "the container type is changed", "Failed to execute functor %s on index %d"};
 
-/// Builds a column. Returns 0, also where the value type is none, which gives the error column; 3 without memory.
-ErrorCode BuildColumn(const SeriesAttr& attr, const std::string& name, SeriesPtr& result);
+/// A new column; the error column where the value type is none. Throws std::bad_alloc.
+SeriesPtr NewColumn(const SeriesAttr& attr, const std::string& name);
+/// A cursor on a column; null on the error column. Throws std::bad_alloc.
+Cursor AllOf(const SeriesPtr& column);
 
 /// A column to be evaluated.
 struct SourceColumn {
@@ -31,7 +33,7 @@ struct SourceColumn {
 /**
  * Builds a column of `length` rows of what a functor makes of another one, and has it filled.
  * @param run fills the column; returns 0 or a code.
- * @return code 0 with the column in `result`; 2: the functor changes the container; 3: no memory; or run's.
+ * @return code 0 with the column in `result`; 2: the functor changes the container; or run's. Throws std::bad_alloc.
  */
 Error EvaluateColumn(const UnaryFactory& creator, const SourceColumn& source, std::uint32_t length,
     const ResultTexts& texts, const std::function<ErrorCode(const Func::UnaryBase&, const SeriesPtr&)>& run,

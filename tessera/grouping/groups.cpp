@@ -6,6 +6,7 @@
 
 #include "tessera/core/flat_call.h"
 #include "tessera/functors/table_combination.h"
+#include "tessera/grouping/group_results.h"
 #include "tessera/operations/column_copies.h"
 #include "tessera/operations/select_row.h"
 
@@ -98,8 +99,8 @@ ErrorCode BaseGroups::SelectFirstRows(const SeriesPtr& src, const SeriesPtr& dst
         for (std::size_t g = 0; g < groupCount && g + 1 < dstBegin.size(); ++g) {
             rows.insert(rows.end(), dstBegin[g + 1] - dstBegin[g], groupBegins[g]);
         }
-        const Func::SelectRow<CONTAINER_ARRAY, const Positions&> selection(rows);
-        return selection.ProcessSeries(RowsOf(src), dst == nullptr ? nullptr : dst->GetIterator(), true).code;
+        const Func::SelectRowBase<CONTAINER_ARRAY> selection(rows);
+        return selection.ProcessSeries(RowsOf(src), dst == nullptr ? nullptr : AllOf(dst), true).code;
     });
 }
 

@@ -65,10 +65,16 @@ std::uint32_t RowNumbers::Count() const
 
 void RowNumbers::ReadTexts(Part& part, const Rows& rows, std::uint64_t* keys) const
 {
+    std::array<std::string_view, BLOCK> texts;
+    std::array<std::uint32_t, BLOCK> numbers;
     for (std::uint32_t i = 0; i < rows.count; ++i) {
-        const std::uint32_t adjacent = rows.first + (rows.isDownward ? rows.count - 1 - i : i);
-        keys[i] = part.textNumbers.NumberOf(part.texts[rows.positions == nullptr ? adjacent : rows.positions[i]]);
+        texts[i] = part.texts[rows.positions == nullptr ? rows.first + i : rows.positions[i]];
     }
+    if (rows.isDownward) {
+        std::reverse(texts.begin(), texts.begin() + rows.count);
+    }
+    part.textNumbers.Number({texts.data(), rows.count}, numbers.data());
+    std::copy_n(numbers.begin(), rows.count, keys);
 }
 
 void RowNumbers::ReadNumbers(Part& part, const Rows& rows, std::uint64_t* keys)
