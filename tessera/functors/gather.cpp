@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstring>
+#include <new>
 #include <string>
 #include <type_traits>
 
@@ -96,16 +97,22 @@ void CopyBits(PlaceOf placeOf, BitPosition to, std::size_t count)
     }
 }
 
+void Assign(std::string& cell, const std::string& text) { AssignText(cell, text); }
+void Assign(DateTime& cell, const DateTime& time) { cell = time; }
+void Assign(DataFrame& cell, const DataFrame& table)
+{
+    cell = table;
+    if (cell.GetError().code != table.GetError().code) {
+        throw std::bad_alloc(); // the copy holds that itself, though the column would seem to be whole
+    }
+}
+
 template <typename T, typename PlaceOf>
 void CopyLarge(PlaceOf placeOf, T* to, std::size_t count)
 {
     for (std::size_t i = 0; i < count; ++i) {
         __builtin_prefetch(placeOf(std::min(i + AHEAD, count - 1)));
-        if constexpr (std::is_same_v<T, std::string>) {
-            AssignText(to[i], *placeOf(i));
-        } else {
-            to[i] = *placeOf(i);
-        }
+        Assign(to[i], *placeOf(i));
     }
 }
 

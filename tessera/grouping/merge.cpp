@@ -21,11 +21,15 @@ Keys InOrderWithoutRepeats(Keys keys)
     return keys;
 }
 
-/// Whether a table has a column that its window's rows lie in.
-bool HasColumn(const DataFrame& table, std::uint32_t position)
+/// Whether a table's window has only columns that are there, and rows that they all have.
+bool HasWholeWindow(const DataFrame& table)
 {
-    const SeriesPtr& column = table.GetColumn(position);
-    return position < table.ColumnCount() && column != nullptr && column->Size() >= table.GetRowIndex()[1];
+    bool isWhole = table.ColumnCount() != 0 || table.RowCount() == 0;
+    for (unsigned int k = 0; k < table.ColumnCount(); ++k) {
+        const SeriesPtr& column = table.GetColumn(k);
+        isWhole = isWhole && column != nullptr && table.GetRowIndex()[1] <= column->Size();
+    }
+    return isWhole;
 }
 
 long CountOf(std::size_t count) { return static_cast<long>(count); }
@@ -33,11 +37,11 @@ int NumberOf(std::uint32_t position) { return static_cast<int>(position); }
 
 const char* RefusalOfPair(const DataFrame& left, std::uint32_t leftKey, const DataFrame& right, std::uint32_t rightKey)
 {
-    if (!HasColumn(left, leftKey)) {
+    if (leftKey >= left.ColumnCount()) {
         LogError("Left index %d out of range %ld", NumberOf(leftKey), CountOf(left.ColumnCount()));
         return "Invalid join left shape.";
     }
-    if (!HasColumn(right, rightKey)) {
+    if (rightKey >= right.ColumnCount()) {
         LogError("Right index %d out of range %ld", NumberOf(rightKey), CountOf(right.ColumnCount()));
         return "Invalid join right shape.";
     }
@@ -61,6 +65,10 @@ const char* RefusalOf(const DataFrame& left, const Keys& leftOn, const DataFrame
 {
     if (left.GetError().code != ERROR_NONE || right.GetError().code != ERROR_NONE) {
         LogError("Invalid dataFrame, error %d, rDF error %d", left.GetError().code, right.GetError().code);
+        return "Invalid dataFrame.";
+    }
+    if (!HasWholeWindow(left) || !HasWholeWindow(right)) {
+        LogError("Can't merge a table whose window is beyond the columns");
         return "Invalid dataFrame.";
     }
     if (type < TESSERA_JOIN_INNER || type > TESSERA_JOIN_OUTER) {
