@@ -40,6 +40,28 @@ std::vector<T> ReadRaw(benchmark::State& state, const std::string& file, std::si
     return values;
 }
 
+/// A column of the numbers of a raw file.
+template <typename T>
+SeriesPtr ReadNumbers(benchmark::State& state, const std::string& file, const std::string& name)
+{
+    const std::vector<T> values = ReadRaw<T>(state, file, ROWS);
+    SeriesPtr column = BuildSeries({ROWS, CONTAINER_ARRAY, TYPE_ID_OF<T>}, name);
+    std::copy(values.begin(), values.end(), CursorAs<CONTAINER_ARRAY, T>(column->GetIterator()).mHead);
+    return column;
+}
+
+/// A column of the strings of a raw file, all of `width` bytes.
+inline SeriesPtr ReadTexts(benchmark::State& state, const std::string& file, const std::string& name, std::size_t width)
+{
+    const std::vector<char> bytes = ReadRaw<char>(state, file, ROWS * width);
+    SeriesPtr column = BuildSeries({ROWS, CONTAINER_ARRAY, TESSERA_STRING}, name);
+    std::string* cell = CursorAs<CONTAINER_ARRAY, std::string>(column->GetIterator()).mHead;
+    for (std::size_t first = 0; first < bytes.size(); first += width, ++cell) {
+        cell->assign(bytes.data() + first, width);
+    }
+    return column;
+}
+
 /// A table of the columns of a raw file, which lie one after the other; without columns, and the benchmark marked as
 /// skipped, where the file has fewer.
 template <typename T>

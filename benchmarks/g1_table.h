@@ -11,28 +11,13 @@ namespace MERVO::Tessera::Bench {
 inline DataFrame ReadG1Columns(benchmark::State& state)
 {
     DataFrame::Columns columns;
-    const auto addTexts = [&](const std::string& name, std::size_t width) {
-        const std::vector<char> bytes = ReadRaw<char>(state, "g1/" + name + ".bin", ROWS * width);
-        SeriesPtr column = BuildSeries({ROWS, CONTAINER_ARRAY, TESSERA_STRING}, name);
-        std::string* cell = CursorAs<CONTAINER_ARRAY, std::string>(column->GetIterator()).mHead;
-        for (std::size_t first = 0; first < bytes.size(); first += width, ++cell) {
-            cell->assign(bytes.data() + first, width);
-        }
-        columns.push_back(std::move(column));
-    };
-    const auto addNumbers = [&]<typename T>(const std::string& name, std::type_identity<T>) {
-        const std::vector<T> values = ReadRaw<T>(state, "g1/" + name + ".bin", ROWS);
-        SeriesPtr column = BuildSeries({ROWS, CONTAINER_ARRAY, TYPE_ID_OF<T>}, name);
-        std::copy(values.begin(), values.end(), CursorAs<CONTAINER_ARRAY, T>(column->GetIterator()).mHead);
-        columns.push_back(std::move(column));
-    };
-    addTexts("id1", 5);
-    addTexts("id2", 5);
-    addTexts("id3", 12);
-    for (const char* name : {"id4", "id5", "id6", "v1", "v2"}) {
-        addNumbers(name, std::type_identity<std::int32_t>{});
+    columns.push_back(ReadTexts(state, "g1/id1.bin", "id1", 5));
+    columns.push_back(ReadTexts(state, "g1/id2.bin", "id2", 5));
+    columns.push_back(ReadTexts(state, "g1/id3.bin", "id3", 12));
+    for (const std::string name : {"id4", "id5", "id6", "v1", "v2"}) {
+        columns.push_back(ReadNumbers<std::int32_t>(state, "g1/" + name + ".bin", name));
     }
-    addNumbers("v3", std::type_identity<double>{});
+    columns.push_back(ReadNumbers<double>(state, "g1/v3.bin", "v3"));
     return state.error_occurred() ? DataFrame() : DataFrame(std::move(columns));
 }
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing from Debian's packages: what a native build and its tests need, and more for the options.
 # Silent when nothing is missing.
-#   scripts/setup.sh [--arm] [--bench] [--ci]
+#   scripts/setup.sh [--arm] [--bench] [--demo] [--docs] [--ci]
 set -euo pipefail
 
 packages=(g++ cmake ninja-build ccache python3 pkg-config libgtest-dev libgmock-dev tzdata)
@@ -9,9 +9,11 @@ for option in "$@"; do
     case $option in
         --arm) packages+=(g++-arm-linux-gnueabihf qemu-user googletest) ;;
         --bench) packages+=(libbenchmark-dev) ;;
+        --demo) packages+=(gnuplot-nox) ;;
+        --docs) packages+=(doxygen) ;;
         --ci) packages+=(g++-arm-linux-gnueabihf qemu-user googletest libbenchmark-dev
-            git clang clang-format clang-tidy libclang-rt-14-dev) ;;
-        *) echo "usage: scripts/setup.sh [--arm] [--bench] [--ci]" >&2; exit 2 ;;
+            git clang clang-format clang-tidy libclang-rt-14-dev doxygen gnuplot-nox) ;;
+        *) echo "usage: scripts/setup.sh [--arm] [--bench] [--demo] [--docs] [--ci]" >&2; exit 2 ;;
     esac
 done
 

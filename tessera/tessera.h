@@ -354,8 +354,68 @@ MERVO_TSR_API MERVO_TSR_GROUP_ARRAY* MERVO_TSR_GroupBy(
  */
 MERVO_TSR_API MERVO_TSR_GROUP_ARRAY* MERVO_TSR_GroupBy_Transform(
     MERVO_TSR_CONTEXT* table, const uint32_t* keys, uint32_t keyCount, uint32_t functor);
+/**
+ * Cuts a table's rows into windows of one width by a column of moments, and makes a table of each window.
+ *
+ * The first window starts at the earliest moment, or, unless closedLeft, ends there. Rows come by time, and their
+ * moments become the label of the window. A window without rows is a table of one row: NaN in columns of float and
+ * double, 0, false, an empty text or table, or the moment 0 in others.
+ * @param table      only read.
+ * @param timeColumn counted among all columns.
+ * @param gapSeconds the windows' width, 1 at least.
+ * @param labelLeft  the label is the window's start, else its end.
+ * @param closedLeft a window includes its start and not its end, else the other way round.
+ * @return the windows in order, which the caller releases; null, and the reason in the log, for a handle that is null
+ *         or holds no table, a table that failed or is without columns or rows, a column that there is not or that is
+ *         not of moments, a width below 1, more rows than memory can hold, or no memory.
+ */
+MERVO_TSR_API MERVO_TSR_GROUP_ARRAY* MERVO_TSR_Resample(
+    MERVO_TSR_CONTEXT* table, uint32_t timeColumn, int32_t gapSeconds, bool labelLeft, bool closedLeft);
 /** Releases the tables and the record, and sets the caller's pointer to null. A null pointer is told to the log. */
 MERVO_TSR_API void MERVO_TSR_ReleaseGroupArray(MERVO_TSR_GROUP_ARRAY** array);
+
+/** Which rows without a match a merge keeps. */
+#ifdef __cplusplus
+enum MERVO_TESSERA_MERGE_JOINTYPE : int32_t {
+#else
+typedef enum MERVO_TESSERA_MERGE_JOINTYPE {
+#endif
+    TESSERA_JOIN_INNER = 0, /* none */
+    TESSERA_JOIN_RIGHT = 1, /* those of the right table */
+    TESSERA_JOIN_LEFT = 2,  /* those of the left table */
+    TESSERA_JOIN_OUTER = 3  /* those of both */
+#ifdef __cplusplus
+};
+#else
+} MERVO_TESSERA_MERGE_JOINTYPE;
+#endif
+
+/** The key columns of a merge: `count` positions in each table. */
+typedef struct {
+    const uint32_t* left;
+    const uint32_t* right;
+    uint32_t count;
+} MERVO_TSR_MERGE_KEYS;
+
+/**
+ * Joins two tables: a row for each pair of a left and a right row with equal keys.
+ *
+ * Rows come in descending order of their keys, the last key being the most significant one, and among equal keys in the
+ * order of left, then of right. Floating numbers match up to a distance of 2^-52 (float: 2^-23) from the next one in
+ * order, NaN never. The columns are the keys as they are named in left, then left's others with "_x" behind their
+ * names, then right's others with "_y". A missing row gives NaN in floating columns and in all others 0, false, an
+ * empty text or a stamp of 0.
+ * @param dst   a table; receives the result, which has no columns where it has no rows.
+ * @param left  a table; only read, and may be the handle dst, as right may.
+ * @param keys  each position counts once, and they are taken in ascending order: the lowest one of left is paired with
+ *              the lowest one of right, and so on. A count of 0 lets every row match every other.
+ * @param type  a MERVO_TESSERA_MERGE_JOINTYPE.
+ * @return dst's code: 0, or 33: a null pointer, or a handle that holds no table; 5: a table that failed, a type that is
+ *         none, keys that are no columns, differ in number or value type, or are nested tables; 3: no memory, or more
+ *         than 4294967295 rows.
+ */
+MERVO_TSR_API uint32_t MERVO_TSR_Merge(MERVO_TSR_CONTEXT* dst, const MERVO_TSR_CONTEXT* left,
+    const MERVO_TSR_CONTEXT* right, const MERVO_TSR_MERGE_KEYS* keys, int32_t type);
 
 /**
  * The reductions turn each column of src into one cell of dst, named as in src.

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <array>
+#include <map>
 #include <set>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -12,7 +14,9 @@
 namespace MERVO::Tessera {
 
 class BaseGroups;
+class DateTime;
 class Groups;
+class Samples;
 
 /**
  * A table: the owner of its columns.
@@ -219,30 +223,34 @@ public:
     ErrorCode AppendColInplace(const DataFrame& other);
 
     /**
-     * Make a new table of the rows that are not short of values. Missing is a NaN in a float or double column.
+     * Makes a new table of the rows that are not short of values. Missing is a NaN in a float or double column.
      * @param any    true leaves out rows with a NaN in at least one of the columns looked at, false those with NaN in
      *               all of them.
-     * @param thresh leaves out rows with fewer present cells in the columns looked at. Below 1 it gives a copy; above
-     *               their number, a table without columns.
-     * @param subset the columns looked at, counted in the window; all where it is empty. For `any` each counts once;
-     *               for `thresh` a column given twice has its present cells counted twice.
+     * @param subset the columns looked at, each once, counted in the window; all where it is empty.
      * @return the table, or one with the code: this table's own; 4: there is no such column; 5: no such name; 1: a
-     *         column of nested tables; 21: a column in a list; 7: no rows (thresh only); 3: no memory.
+     *         column of nested tables; 21: a column in a list; 3: no memory.
      */
     DataFrame DropNanRow(bool any, const std::vector<std::uint32_t>& subset = {}) const;
     DataFrame DropNanRow(bool any, const std::vector<std::string>& subset) const;
+    /**
+     * The same by a number of cells.
+     * @param thresh leaves out rows with fewer present cells in the columns looked at. Below 1 it gives a copy; above
+     *               their number, a table without columns.
+     * @param subset as above, but the present cells of a column that is given twice count twice.
+     * @return as above; also 7: no rows.
+     */
     DataFrame DropNanRow(int thresh, const std::vector<std::uint32_t>& subset = {}) const;
     DataFrame DropNanRow(int thresh, const std::vector<std::string>& subset) const;
     /**
-     * Make a new table of the columns that are not short of values.
-     * @param any    true leaves out columns with at least one NaN, false those of nothing but NaN; a column without
-     *               rows is one of these.
-     * @param thresh leaves out columns with fewer present cells. Below 1 it gives a copy; above the number of rows, a
-     *               table without columns.
-     * @return the table, or one with the code: this table's own; 7: no columns (any only); 1: a column of nested
-     *         tables; 21: a column in a list; 3: no memory.
+     * Makes a new table of the columns that are not short of values.
+     * @param any true leaves out columns with at least one NaN, false those of nothing but NaN; a column without rows
+     *            is one of these.
+     * @return the table, or one with the code: this table's own; 7: no columns; 1: a column of nested tables; 21: a
+     *         column in a list; 3: no memory.
      */
     DataFrame DropNanCol(bool any) const;
+    /// The same for columns with fewer than `thresh` present cells. Below 1 it gives a copy; above the number of rows,
+    /// a table without columns and without error.
     DataFrame DropNanCol(int thresh) const;
 
     /// Put the table that the form without Inplace gives in this one's place, also where it failed. Return its code; 5
@@ -289,8 +297,8 @@ public:
      * A group ends where a key differs from that of the next row: floating numbers if they lie more than 2^-52 (float:
      * 2^-23) apart, NaN always, so that each row with NaN is a group of its own. Nested tables as keys neither sort nor
      * end groups. Working set: that of Sort, and a byte per row; without inPlace a copy of the table.
-     * @param keys      column positions, each once.
-     * @param names     the names of the columns instead.
+     * @param keyCount  how many keys there are; without keys there are no groups.
+     * @param keys      column positions, or in the other forms names, each once.
      * @param inPlace   reorders this table, whose columns the groups then share; else they get columns of their own.
      * @param ascending the order of the keys.
      * @param sorted    false brings equal keys together in the order of their first appearance (see Func::SortIndex).
@@ -329,6 +337,93 @@ public:
      */
     DataFrame TransformGroups(const ColumnList& keys, const ColumnList& values, const UnaryFactory& creator) const;
 
+    /**
+     * Joins this table and another one: a row for each pair of a left and a right row with equal keys.
+     *
+     * Rows come in descending order of their keys, the last key being the most significant one, and among equal keys in
+     * the order of this table, then of `right`. Integers, strings, bools and stamps match if they are the same,
+     * floating numbers if they lie within 2^-52 (float: 2^-23) of the next row's in order, NaN never; there is no
+     * conversion. First come the key columns under this table's names, then this table's other columns, then those of
+     * `right`. A missing row gives NaN in floating columns and in all others 0, false, nothing or a stamp of 0.
+     *
+     * Working set: the combined keys and 9 bytes per row of both tables (while they are sorted 20, with NaN 28), and 16
+     * bytes per distinct key; then 8 bytes per row of the result.
+     * @param leftOn   positions of the keys in this table's window. Each counts once, and they are taken in ascending
+     *                 order: the lowest one is paired with the lowest of rightOn, and so on. Without keys every row
+     *                 matches every other.
+     * @param type     which rows without a match stay: none, those of right, of this table, or both.
+     * @param suffixes put behind the names of columns that are no keys: this table's, and those of right.
+     * @return the table, without columns where it has no rows; or one with the code: 5: a table that failed, a type
+     *         that is none, keys that are no columns, differ in number or value type, or are nested tables; 3: no
+     *         memory, or more than 4294967295 rows; 21: a column in a list.
+     */
+    DataFrame Merge(const DataFrame& right, const std::vector<std::uint32_t>& leftOn,
+        const std::vector<std::uint32_t>& rightOn, MERVO_TESSERA_MERGE_JOINTYPE type,
+        const std::array<std::string, 2>& suffixes) const;
+    /// Puts what Merge gives with the suffixes "_x" and "_y" in this table's place. Returns 0, also for a result
+    /// without columns, which changes nothing; or Merge's code, and the table stays as it was.
+    ErrorCode MergeInplace(const DataFrame& right, const std::vector<std::uint32_t>& leftOn,
+        const std::vector<std::uint32_t>& rightOn, MERVO_TESSERA_MERGE_JOINTYPE type);
+
+    /// A run of equal keys in the sorted rows of two tables: where the rows of each side begin, and how many there are.
+    struct MergeIndex {
+        std::uint32_t leftBegin;
+        std::uint32_t leftCount;
+        std::uint32_t rightBegin;
+        std::uint32_t rightCount;
+    };
+
+    /**
+     * Cuts the rows into windows of one width by a column of moments. The first window starts at the earliest moment,
+     * or, unless closedLeft, ends there; the others follow, and one without rows has a row of missing values. This
+     * table stays as it is.
+     *
+     * Rows come by time, those of one moment in their order. Only stamps count, so no window knows a calendar. Windows
+     * are counted before anything is built. Working set: that of Sort, 8 bytes per row, and a copy of the table.
+     * @param timeColumn a position, or a name.
+     * @param gap        the windows' width in seconds, 1 at least.
+     * @param labelLeft  the moments become the starts of their windows, else the ends. What no moment can be becomes
+     *                   the first or the last one that can.
+     * @param closedLeft a window includes its start and not its end, else the other way round.
+     * @return the windows as groups. None, and the reason in the log, for a table that has failed or is without columns
+     *         or rows; a width below 1; no such column, or one of another type; more rows than 32 bits count or than
+     *         memory can hold; and for want of memory. A failure is not stored.
+     */
+    Samples Resample(unsigned int timeColumn, const DateTime& gap, bool labelLeft, bool closedLeft) const;
+    Samples Resample(std::string timeColumnName, const DateTime& gap, bool labelLeft, bool closedLeft) const;
+
+    /// Column positions for PivotTable.
+    struct TableParams {
+        std::vector<std::uint32_t> values;  ///< what fills the cells
+        std::vector<std::uint32_t> index;   ///< the columns whose values become rows
+        std::vector<std::uint32_t> columns; ///< the columns whose values become columns of the result
+    };
+    /// A functor for each column of values, by its position.
+    using PivotCreators = std::map<std::uint32_t, UnaryFactory>;
+    /**
+     * Makes a cross table: a row for each combination of the values in the index columns, and, for each combination of
+     * those in `columns`, a column for each of the values. A cell holds what a functor makes of the values of the rows
+     * with its two combinations.
+     *
+     * The index columns come first. Behind them, combinations come before values; the mean of `sales` for 2021 and
+     * east is in column "sales-2021-east", the keys in the form of a cast to string. Rows and columns are in the order
+     * in which GroupBy without sorting brings the combinations. Without `columns` the result has a column for each of
+     * the values, under its own name. Working set: a copy of the selected columns, that of GroupBy, and twice the
+     * aggregated values.
+     * @tparam T   any number type but bool and long.
+     * @param creators a functor for each of the values, or one for all. If it gives several rows for a combination, the
+     *             first one counts.
+     * @param fill what cells without rows hold, cast to the value's type.
+     * @return the table; one with this table's own code if that failed before. An empty one, and the reason in the log,
+     *         for a position that is no column or comes twice in a list; a functor without a value or a value without a
+     *         functor; no index; a table without rows; a column in a list; a functor that fails; more cells than memory
+     *         can hold, or no memory.
+     */
+    template <typename T>
+    DataFrame PivotTable(const TableParams& params, const PivotCreators& creators, T fill) const;
+    template <typename T>
+    DataFrame PivotTable(const TableParams& params, const UnaryFactory& creator, T fill) const;
+
 private:
     friend class ColumnLoader;
     friend class BaseGroups; // which shares the columns
@@ -339,6 +434,52 @@ private:
     Groups GroupByOutPlace(unsigned int keyCount, const unsigned int* keys, const std::vector<std::uint32_t>& index,
         std::vector<std::uint8_t>& flags);
     Groups GroupByKeys(unsigned int keyCount, const unsigned int* keys, bool inPlace, bool ascending, bool sorted);
+    Samples ResampleInner(unsigned int timeColumn, std::vector<std::uint32_t>& index, const DateTime& gap,
+        bool labelLeft, bool closedLeft) const;
+
+    // The steps of PivotTable, which share their code for all types of the fill: it comes as a column of one cell.
+    bool IsPivotTableParamValid(const TableParams& params) const;
+    /// Puts the creators in the order of the values. Returns 0, or -1: one too many, or too few.
+    std::int32_t ProcessTableParam(
+        const TableParams& params, const PivotCreators& creators, std::vector<UnaryFactory>& ordered) const;
+    /// Copies index, columns and values, in this order, and changes the parameters to their places there.
+    DataFrame GetFilterPivotTable(TableParams& params) const;
+    DataFrame PivotByCreator(const TableParams& params, const UnaryFactory& creator, const SeriesPtr& fill) const;
+    DataFrame PivotByCreators(const TableParams& params, const PivotCreators& creators, const SeriesPtr& fill) const;
+    DataFrame PivotCells(TableParams params, const std::vector<UnaryFactory>& creators, const SeriesPtr& fill) const;
+    // These are called on the table of aggregated values; `rows` groups it by index.
+    ErrorCode InsertPivotKey(const Groups& rows, const std::vector<std::uint32_t>& index, DataFrame& result) const;
+    ErrorCode InsertPivotValue(const Groups& rows, const TableParams& params, const SeriesPtr& fill, DataFrame& result);
+    /// Fills a column of the result with the source's cells at the given rows.
+    ErrorCode InsertPivotValueSingle(
+        const std::vector<std::uint32_t>& cellRows, const SeriesPtr& source, const SeriesPtr& destination) const;
+    std::string GetPivotValueName(
+        const TableParams& params, const Groups& columnGroups, unsigned int group, unsigned int value) const;
+
+    using MergeRows = std::vector<std::uint32_t>; ///< positions of rows or columns
+
+    /// Merge behind its checks.
+    DataFrame MergeInternal(const DataFrame& right, MergeRows& leftOn, MergeRows& rightOn,
+        MERVO_TESSERA_MERGE_JOINTYPE type, const std::array<std::string, 2>& suffixes) const;
+    /// The rows of both sides for each row of the result.
+    Error PairMergeRows(const DataFrame& right, const MergeRows& leftOn, const MergeRows& rightOn,
+        MERVO_TESSERA_MERGE_JOINTYPE type, MergeRows& leftRows, MergeRows& rightRows) const;
+    /// Copies the keys of both tables into one column for each pair, this table's rows first, and sorts the rows of
+    /// those: in descending order, the last key the most significant one. Throws std::bad_alloc.
+    MergeRows SortAndGetKey(
+        const DataFrame& right, const MergeRows& leftOn, const MergeRows& rightOn, Columns& keys) const;
+    /// Counts the rows of each run; a flag is set for the first one of a run.
+    void CalculateMergeIndex(
+        const std::vector<std::uint8_t>& flags, const MergeRows& index, std::vector<MergeIndex>& result) const;
+    std::uint64_t GetMergedSeriesLength(const std::vector<MergeIndex>& merge, MERVO_TESSERA_MERGE_JOINTYPE type) const;
+    /// Writes the row of each side, or NO_ROW, for each row of the result; the vectors are as long as that.
+    void GetLeftRightMergeIndex(const std::vector<MergeIndex>& merge, const MergeRows& index,
+        MERVO_TESSERA_MERGE_JOINTYPE type, MergeRows& left, MergeRows& right) const;
+    /// Append columns to a result; a failure is stored in it.
+    void InsertMergeKey(const DataFrame& left, const DataFrame& right, const BinaryFactory& fillKeyFactory,
+        unsigned int length, const std::tuple<MergeRows, MergeRows>& keys);
+    void InsertMergeValue(const DataFrame& source, const MergeRows& rows, unsigned int length, const MergeRows& keys,
+        const std::string& suffix);
 
     ErrorCode ApplyRows(const UnaryFactory& factory, const DataFrame& src, MERVO_TESSERA_TYPEID type);
     ErrorCode ReadUniformCSV(std::string path, MERVO_TESSERA_TYPEID type, bool hasHeader, const std::string& separator);

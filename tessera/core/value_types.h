@@ -13,6 +13,7 @@
 
 namespace MERVO::Tessera {
 
+using ::MERVO_TESSERA_MERGE_JOINTYPE;
 using ::MERVO_TESSERA_TYPEID;
 
 class DataFrame;

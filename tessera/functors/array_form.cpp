@@ -6,17 +6,48 @@
 
 namespace MERVO::Tessera::Func {
 
-ArrayForm::ArrayForm(const Cursor& column) : original(column)
+namespace {
+
+/// An array as long as a range, of its value type.
+Cursor BuildArrayFor(const Cursor& column, SeriesPtr& array)
 {
-    if (column->IsMemoryContiguous()) {
-        return;
-    }
     SeriesAttr attr = WithLength(column->GetAttr(), column->Length());
     attr.containerId = CONTAINER_ARRAY;
-    copy = BuildSeries(attr, {});
-    cursor = copy->GetIterator();
-    if (cursor == nullptr || CopySeries<CONTAINER_ARRAY>().ProcessSeries(column, cursor, true).code != ERROR_NONE) {
+    array = BuildSeries(attr, {});
+    return array->GetIterator();
+}
+
+void CopyOrThrow(const Cursor& from, const Cursor& to)
+{
+    if (CopySeries<CONTAINER_ARRAY>().ProcessSeries(from, to, true).code != ERROR_NONE) {
         throw std::bad_alloc();
+    }
+}
+
+} // namespace
+
+ArrayForm::ArrayForm(const Cursor& column) : original(column)
+{
+    if (!column->IsMemoryContiguous()) {
+        cursor = BuildArrayFor(column, copy);
+        CopyOrThrow(column, cursor);
+    }
+}
+
+ArrayRoom::ArrayRoom(const Cursor& destination) : original(destination)
+{
+    if (!destination->IsMemoryContiguous()) {
+        cursor = BuildArrayFor(destination, room);
+        if (cursor == nullptr) {
+            throw std::bad_alloc();
+        }
+    }
+}
+
+void ArrayRoom::Deliver()
+{
+    if (room != nullptr) {
+        CopyOrThrow(cursor, original);
     }
 }
 

@@ -23,4 +23,21 @@ private:
     Cursor cursor;
 };
 
+/**
+ * Room for results in an array, for kernels that fill one: the destination itself, or a column that Deliver copies into
+ * it where it is a list. Throws std::bad_alloc without memory for that, as Deliver does.
+ */
+class ArrayRoom {
+public:
+    explicit ArrayRoom(const Cursor& destination);
+
+    const Cursor& Get() const { return room == nullptr ? original : cursor; }
+    void Deliver();
+
+private:
+    const Cursor& original;
+    SeriesPtr room;
+    Cursor cursor;
+};
+
 } // namespace MERVO::Tessera::Func

@@ -4,12 +4,16 @@
 #include <array>
 #include <cstddef>
 #include <cstring>
+#include <new>
+#include <string>
+#include <type_traits>
 
 #include "tessera/core/bit_bytes.h"
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
 #include "tessera/functors/assign_text.h"
 #include "tessera/functors/element_walk.h"
+#include "tessera/functors/missing_cell.h"
 
 namespace MERVO::Tessera::Func {
 namespace {
@@ -19,57 +23,109 @@ using Positions = std::span<const std::uint32_t>;
 /// So many elements ahead of the copy, large elements are asked for: memory answers later than the processor looks.
 constexpr std::size_t AHEAD = 16;
 
-template <std::size_t WIDTH>
-void GatherBytes(const std::byte* from, Positions positions, std::byte* to)
-{
-    for (const std::uint32_t position : positions) {
-        std::memcpy(to, from + std::size_t{position} * WIDTH, WIDTH);
-        to += WIDTH;
-    }
-}
+/// A number as its bytes, so that numbers of one size share their code.
+template <std::size_t SIZE>
+struct Bytes {
+    std::byte bytes[SIZE];
+};
 
-template <typename T, typename Assign>
-void GatherLarge(const T* from, Positions positions, T* to, Assign assign)
-{
-    const std::size_t asked = positions.size() - std::min(positions.size(), AHEAD);
-    for (std::size_t i = 0; i < asked; ++i) {
-        __builtin_prefetch(from + positions[i + AHEAD]);
-        assign(to[i], from[positions[i]]);
-    }
-    for (std::size_t i = asked; i < positions.size(); ++i) {
-        assign(to[i], from[positions[i]]);
-    }
-}
+/// Where the elements of a column are read and written.
+template <typename T>
+struct Storage {
+    using Cell = std::conditional_t<Arithmetic<T>, Bytes<sizeof(T)>, T>;
+    using Head = const Cell*;
+    static Head Of(const Cursor& column) { return reinterpret_cast<Head>(CursorAs<CONTAINER_ARRAY, T>(column).mHead); }
+    static Head Of(const T& single) { return reinterpret_cast<Head>(&single); }
+};
 
-void GatherBits(BitPosition from, Positions positions, BitPosition to)
-{
-    std::array<bool, 512> gathered;
-    while (!positions.empty()) {
-        const Positions block = positions.first(std::min(positions.size(), gathered.size()));
-        for (std::size_t i = 0; i < block.size(); ++i) {
-            const std::uint64_t place = std::uint64_t{block[i]} + from.offset;
-            gathered[i] = ((from.byte[place >> 3] >> (place & 7)) & 1) != 0;
-        }
-        const auto count = static_cast<std::uint32_t>(block.size());
-        PackBits(gathered.data(), to, count);
-        to += count;
-        positions = positions.subspan(block.size());
-    }
-}
+template <>
+struct Storage<bool> {
+    using Head = BitPosition;
+    static Head Of(const Cursor& column) { return CursorAs<CONTAINER_ARRAY, bool>(column).mHead; }
+};
 
 template <typename T>
-void GatherFromArray(const Cursor& src, Positions positions, const Cursor& dst)
+using HeadOf = typename Storage<T>::Head;
+
+/// The places of elements: at some positions of a column.
+template <typename Head>
+struct OneColumn {
+    Head operator()(std::size_t i) const { return head + positions[i]; }
+
+    Head head;
+    Positions positions;
+};
+
+/// The same, with another place where there is no row.
+template <typename Head>
+struct ColumnOrMissing {
+    Head operator()(std::size_t i) const { return positions[i] == NO_ROW ? missing : head + positions[i]; }
+
+    Head head;
+    Positions positions;
+    Head missing;
+};
+
+/// At positions of a second column where the first has no row.
+template <typename Head>
+struct EitherColumn {
+    Head operator()(std::size_t i) const { return left.positions[i] == NO_ROW ? right(i) : left(i); }
+
+    OneColumn<Head> left;
+    OneColumn<Head> right;
+};
+
+template <typename Cell, typename PlaceOf>
+void CopyNumbers(PlaceOf placeOf, Cell* to, std::size_t count)
 {
-    const auto from = CursorAs<CONTAINER_ARRAY, T>(src).mHead;
+    for (std::size_t i = 0; i < count; ++i) {
+        std::memcpy(to + i, placeOf(i), sizeof(Cell));
+    }
+}
+
+template <typename PlaceOf>
+void CopyBits(PlaceOf placeOf, BitPosition to, std::size_t count)
+{
+    std::array<bool, 512> copied;
+    for (std::size_t first = 0; first < count; first += copied.size()) {
+        const auto length = static_cast<std::uint32_t>(std::min(copied.size(), count - first));
+        for (std::uint32_t i = 0; i < length; ++i) {
+            copied[i] = *placeOf(first + i);
+        }
+        PackBits(copied.data(), to, length);
+        to += length;
+    }
+}
+
+void Assign(std::string& cell, const std::string& text) { AssignText(cell, text); }
+void Assign(DateTime& cell, const DateTime& time) { cell = time; }
+void Assign(DataFrame& cell, const DataFrame& table)
+{
+    cell = table;
+    if (cell.GetError().code != table.GetError().code) {
+        throw std::bad_alloc(); // the copy holds that itself, though the column would seem to be whole
+    }
+}
+
+template <typename T, typename PlaceOf>
+void CopyLarge(PlaceOf placeOf, T* to, std::size_t count)
+{
+    for (std::size_t i = 0; i < count; ++i) {
+        __builtin_prefetch(placeOf(std::min(i + AHEAD, count - 1)));
+        Assign(to[i], *placeOf(i));
+    }
+}
+
+template <typename T, typename PlaceOf>
+void CopyFrom(PlaceOf placeOf, const Cursor& dst, std::size_t count)
+{
     const auto to = CursorAs<CONTAINER_ARRAY, T>(dst).mHead;
     if constexpr (std::is_same_v<T, bool>) {
-        GatherBits(from, positions, to);
+        CopyBits(placeOf, to, count);
     } else if constexpr (Arithmetic<T>) {
-        GatherBytes<sizeof(T)>(reinterpret_cast<const std::byte*>(from), positions, reinterpret_cast<std::byte*>(to));
-    } else if constexpr (std::is_same_v<T, std::string>) {
-        GatherLarge(from, positions, to, [](std::string& cell, const std::string& text) { AssignText(cell, text); });
+        CopyNumbers(placeOf, reinterpret_cast<typename Storage<T>::Cell*>(to), count);
     } else {
-        GatherLarge(from, positions, to, [](T& cell, const T& element) { cell = element; });
+        CopyLarge(placeOf, to, count);
     }
 }
 
@@ -77,7 +133,7 @@ template <typename T>
 void GatherCells(const Cursor& src, Positions positions, const Cursor& dst)
 {
     if (src->IsMemoryContiguous() && dst->IsMemoryContiguous()) {
-        GatherFromArray<T>(src, positions, dst);
+        CopyFrom<T>(OneColumn<HeadOf<T>>{Storage<T>::Of(src), positions}, dst, positions.size());
         return;
     }
     AnyPlace<T> from(src);
@@ -91,9 +147,37 @@ void GatherCells(const Cursor& src, Positions positions, const Cursor& dst)
     }
 }
 
-using Gatherer = void (*)(const Cursor& src, Positions positions, const Cursor& dst);
-constexpr auto GATHERERS =
-    ForEachValueType([](auto number) -> Gatherer { return &GatherCells<ValueTypes::At<number()>>; });
+template <typename T>
+void GatherCellsOrMissing(const Cursor& src, Positions positions, const Cursor& dst)
+{
+    const auto gather = [&](auto missing) {
+        CopyFrom<T>(ColumnOrMissing<HeadOf<T>>{Storage<T>::Of(src), positions, missing}, dst, positions.size());
+    };
+    if constexpr (std::is_same_v<T, bool>) {
+        std::uint8_t noBits = 0;
+        gather(BitPosition(&noBits, 0));
+    } else {
+        const T missing = MissingCell<T>();
+        gather(Storage<T>::Of(missing));
+    }
+}
+
+template <typename T>
+void GatherCellsOfEither(
+    const Cursor& lhs, Positions leftPositions, const Cursor& rhs, Positions rightPositions, const Cursor& dst)
+{
+    const OneColumn<HeadOf<T>> left{Storage<T>::Of(lhs), leftPositions};
+    const OneColumn<HeadOf<T>> right{Storage<T>::Of(rhs), rightPositions};
+    CopyFrom<T>(EitherColumn<HeadOf<T>>{left, right}, dst, leftPositions.size());
+}
+
+constexpr auto GATHERERS = ForEachValueType([](auto number) { return &GatherCells<ValueTypes::At<number()>>; });
+constexpr auto GATHERERS_OR_MISSING =
+    ForEachValueType([](auto number) { return &GatherCellsOrMissing<ValueTypes::At<number()>>; });
+constexpr auto GATHERERS_OF_EITHER =
+    ForEachValueType([](auto number) { return &GatherCellsOfEither<ValueTypes::At<number()>>; });
+
+std::size_t TypeOf(const Cursor& column) { return static_cast<std::size_t>(column->GetAttr().typeId); }
 
 } // namespace
 
@@ -106,9 +190,17 @@ bool AreBelow(Positions positions, std::uint32_t bound)
     return positions.empty() || largest < bound;
 }
 
-void Gather(const Cursor& src, Positions positions, const Cursor& dst)
+void Gather(const Cursor& src, Positions positions, const Cursor& dst) { GATHERERS[TypeOf(src)](src, positions, dst); }
+
+void GatherOrMissing(const Cursor& src, Positions positions, const Cursor& dst)
 {
-    GATHERERS[static_cast<std::size_t>(src->GetAttr().typeId)](src, positions, dst);
+    GATHERERS_OR_MISSING[TypeOf(src)](src, positions, dst);
+}
+
+void GatherEither(
+    const Cursor& lhs, Positions leftPositions, const Cursor& rhs, Positions rightPositions, const Cursor& dst)
+{
+    GATHERERS_OF_EITHER[TypeOf(lhs)](lhs, leftPositions, rhs, rightPositions, dst);
 }
 
 } // namespace MERVO::Tessera::Func

@@ -20,4 +20,11 @@ bool AreBelow(std::span<const std::uint32_t> positions, std::uint32_t bound);
  */
 void Gather(const Cursor& src, std::span<const std::uint32_t> positions, const Cursor& dst);
 
+/// The same between arrays, with the cell of missing_cell.h where a position is NO_ROW.
+void GatherOrMissing(const Cursor& src, std::span<const std::uint32_t> positions, const Cursor& dst);
+
+/// The same between arrays, with what the second list names in the second column where the first list has NO_ROW.
+void GatherEither(const Cursor& lhs, std::span<const std::uint32_t> leftPositions, const Cursor& rhs,
+    std::span<const std::uint32_t> rightPositions, const Cursor& dst);
+
 } // namespace MERVO::Tessera::Func

@@ -87,16 +87,17 @@ Groups::Groups(const std::vector<std::uint32_t>& index, const std::vector<std::u
 
 void Groups::Show() const { ShowGroups(); }
 
-ErrorCode Groups::ApplyKey(const SeriesPtr& src, const SeriesPtr& dst, const Positions& dstBegin, bool single) const
+ErrorCode Groups::ApplyKey(const SeriesPtr& src, const SeriesPtr& dst, const Positions& dstBegin, bool) const
+{
+    return SelectFirstRows(src, dst, dstBegin);
+}
+
+ErrorCode BaseGroups::SelectFirstRows(const SeriesPtr& src, const SeriesPtr& dst, const Positions& dstBegin) const
 {
     return Guarded("ApplyKey", [&]() -> ErrorCode {
         Positions rows;
-        if (single) {
-            rows.assign(groupBegins.begin(), groupBegins.begin() + groupCount);
-        } else {
-            for (std::size_t g = 0; g < groupCount && g + 1 < dstBegin.size(); ++g) {
-                rows.insert(rows.end(), dstBegin[g + 1] - dstBegin[g], groupBegins[g]);
-            }
+        for (std::size_t g = 0; g < groupCount && g + 1 < dstBegin.size(); ++g) {
+            rows.insert(rows.end(), dstBegin[g + 1] - dstBegin[g], groupBegins[g]);
         }
         const Func::SelectRowBase<CONTAINER_ARRAY> selection(rows);
         return selection.ProcessSeries(RowsOf(src), dst == nullptr ? nullptr : AllOf(dst), true).code;

@@ -100,6 +100,9 @@ protected:
     /// ApplyValue, for groups whose rows are runs.
     ErrorCode ApplyToRuns(const Func::UnaryBase& functor, const SeriesPtr& src, const SeriesPtr& dst,
         const std::vector<std::uint32_t>& dstBegin) const;
+    /// Puts the first row of each group into all rows of the group's results.
+    ErrorCode SelectFirstRows(
+        const SeriesPtr& src, const SeriesPtr& dst, const std::vector<std::uint32_t>& dstBegin) const;
     void ShowGroups() const;
 
     std::vector<std::uint32_t> rowOrder;

@@ -167,8 +167,10 @@ DataFrame DataFrame::DropNanRow(int thresh, const Positions& subset) const
     }
     DataFrame result =
         DropRowsByNans(*this, columns, count - wanted, {"IsNanInt", "Out of memory on DropNanRow(thresh)"});
-    const bool isEmpty = RowCount() == 0 && result.GetError().code == ERROR_NONE;
-    return isEmpty ? DropRow(Positions{}) : result; // which refuses a table without rows
+    if (RowCount() == 0 && result.GetError().code == ERROR_NONE) {
+        return DropRow(Positions{}); // which refuses a table without rows
+    }
+    return result;
 }
 
 DataFrame DataFrame::DropNanRow(int thresh, const Names& subset) const

@@ -24,10 +24,17 @@ bool AreDifferent(const T& left, const T& right)
     }
 }
 
-/// Values that are compared alike need one kernel.
+/// The first cell, with integers as unsigned ones: values that are compared alike need one kernel.
 template <typename T>
-using ComparedAs = typename std::conditional_t<std::is_integral_v<T> && !std::is_same_v<T, bool>, std::make_unsigned<T>,
-    std::type_identity<T>>::type;
+auto HeadOf(const Cursor& column)
+{
+    const auto head = CursorAs<CONTAINER_ARRAY, T>(column).mHead;
+    if constexpr (std::is_integral_v<T> && !std::is_same_v<T, bool>) {
+        return reinterpret_cast<const std::make_unsigned_t<T>*>(head);
+    } else {
+        return head;
+    }
+}
 
 template <typename Position, typename PlaceOf>
 void MarkChanges(Position head, std::vector<std::uint8_t>& flags, PlaceOf placeOf)
@@ -39,10 +46,9 @@ void MarkChanges(Position head, std::vector<std::uint8_t>& flags, PlaceOf placeO
     }
 }
 
-template <typename T>
-void MarkChangesOf(const Cursor& column, std::vector<std::uint8_t>& flags, const std::vector<std::uint32_t>* index)
+template <typename Position>
+void MarkChangesOf(Position head, std::vector<std::uint8_t>& flags, const std::vector<std::uint32_t>* index)
 {
-    const auto head = CursorAs<CONTAINER_ARRAY, T>(column).mHead;
     if (index == nullptr) {
         MarkChanges(head, flags, [](std::size_t i) { return static_cast<std::ptrdiff_t>(i); });
     } else {
@@ -91,7 +97,8 @@ ErrorCode GroupIndexBase<CID>::OnExecute(const Cursor& cursor) const
             return ERROR_OUT_OF_RANGE;
         }
         return Guarded("GroupIndex", [&]() -> ErrorCode {
-            MarkChangesOf<ComparedAs<T>>(ArrayForm(cursor).Get(), flags, index);
+            const ArrayForm array(cursor);
+            MarkChangesOf(HeadOf<T>(array.Get()), flags, index);
             return ERROR_NONE;
         });
     }

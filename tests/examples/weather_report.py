@@ -4,7 +4,9 @@
     weather_report.py DATA_FOLDER OUTPUT_FOLDER COMMAND...    COMMAND runs the report
 """
 
+import collections
 import csv
+import datetime
 import math
 import pathlib
 import re
@@ -19,6 +21,11 @@ def columns_of(path):
     with open(path, newline="") as file:
         rows = list(csv.reader(file))
     return {name: [row[c] for row in rows[1:]] for c, name in enumerate(rows[0])}
+
+
+def rows_of(path):
+    columns = columns_of(path)
+    return [dict(zip(columns, row)) for row in zip(*columns.values())]
 
 
 def numbers_of(texts):
@@ -55,8 +62,8 @@ def tables_of(report):
     for block in report.split("\n\n"):
         lines = block.splitlines()
         if len(lines) > 3 and lines[-1].endswith("columns]"):
-            names = lines[1].split()
-            tables[lines[0]] = [dict(zip(names, line.split()[1:])) for line in lines[3:-1]]
+            cells = [re.split(" {2,}", line.strip()) for line in lines[1:-1]]
+            tables[lines[0]] = [dict(zip(cells[0], row[1:])) for row in cells[2:]]
     return tables
 
 
@@ -96,7 +103,7 @@ def check_seattle(check, data):
     check.table("The summary, written and read back", expected)
     for row in check.tables["Summary"]:
         date = weather["date"][int(row["max_row"])]
-        if row["max_date"] != date:
+        if row["max_date"][:10] != date:
             check.failures.append(f"{row['column']} was largest on {date}, not {row['max_date']}")
 
     hot = [day > 30 for day in high]
@@ -107,6 +114,77 @@ def check_seattle(check, data):
     means = [math.fsum(high[day - 29:day + 1]) / 30 for day in range(29, len(high))]
     check.words("Warmest 30 days end on", weather["date"][means.index(max(means)) + 29])
     check.words("Their mean of temp_max", f"{max(means):.6g}")
+
+
+def check_kinds_of_weather(check, data):
+    weather = columns_of(data / "seattle-weather.csv")
+    days = rows_of(data / "seattle-weather.csv")
+    rainy = [day for day in days if day["weather"] == "rain"]
+    check.words("Rainy days", f"{len(rainy)} of {len(days)}")
+    rainy.sort(key=lambda day: (float(day["precipitation"]), float(day["wind"])), reverse=True)
+    shown = check.tables.get("The wettest rainy days", [])
+    if [row["date"][:10] for row in shown] != [day["date"] for day in rainy[:5]]:
+        check.failures.append(f"the wettest rainy days are {shown}")
+
+    kinds = list(dict.fromkeys(weather["weather"]))
+    shown = check.tables.get("Kinds of weather, as they first came", [])
+    if [row["weather"] for row in shown] != kinds:
+        check.failures.append(f"the kinds of weather are {shown}")
+    shown = check.tables.get("Days by kind of weather", [])
+    expected = [(kind, weather["weather"].count(kind), weather["date"][weather["weather"].index(kind)])
+                for kind in sorted(kinds)]
+    if [(row["weather"], int(row["days"]), row["first_day"][:10]) for row in shown] != expected:
+        check.failures.append(f"the groups are {shown}")
+
+
+def same_rows(check, title, shown, expected):
+    """Rows of figures by column, in order."""
+    if len(shown) != len(expected):
+        check.failures.append(f"{title} has {len(shown)} rows, not {len(expected)}")
+    for row, figures in zip(shown, expected):
+        for column, figure in figures.items():
+            check.figure(f"{title}, {row}, {column}", row.get(column, ABSENT), figure)
+
+
+def check_parts_of_the_year(check, data, output):
+    weather = columns_of(data / "seattle-weather.csv")
+    dates = [datetime.date.fromisoformat(text) for text in weather["date"]]
+    months = []
+    for month in range(1, 13):
+        days = [day for day, date in enumerate(dates) if date.month == month]
+        months.append({"month": month} | {
+            name: math.fsum(float(weather[name][day]) for day in days) / len(days)
+            for name in ("precipitation", "temp_max", "temp_min", "wind")})
+    same_rows(check, "Means by month", rows_of(output / "monthly-means.csv"), months)
+
+    shown = check.tables.get("Days by weather and year", [])
+    counts = collections.Counter(zip(weather["weather"], (date.year for date in dates)))
+    kinds = list(dict.fromkeys(weather["weather"]))
+    if [row["weather"] for row in shown] != kinds:
+        check.failures.append("the cross table has other rows")
+    same_rows(check, "Days by weather and year", shown,
+              [{f"days-{year}": counts[kind, year] for year in (2012, 2013, 2014, 2015)} for kind in kinds])
+
+    wet = [(date, float(rain)) for date, rain in zip(dates, weather["precipitation"])
+           if date.year == 2012 and float(rain) > 0]
+    weeks = [[] for _ in range((wet[-1][0] - wet[0][0]).days // 7 + 1)]
+    for date, rain in wet:
+        weeks[(date - wet[0][0]).days // 7].append(rain)
+    check.words("Weeks of 2012", f"{len(weeks)}, of which without rain: {sum(not week for week in weeks)}")
+    shown = rows_of(output / "weekly-rain.csv")
+    same_rows(check, "Weekly rain", shown, [{"precipitation": max(week, default=math.nan)} for week in weeks])
+    if [row["date"][:10] for row in shown] != [
+            str(wet[0][0] + datetime.timedelta(weeks=week)) for week in range(len(weeks))]:
+        check.failures.append("the weeks have other dates")
+
+
+def check_cities(check, data):
+    cities = [columns_of(data / name) for name in ("seattle-temps.csv", "sf-temps.csv")]
+    seattle, other = (dict(zip((time[:16] for time in city["time"]), numbers_of(city["temp"]))) for city in cities)
+    differences = [other[hour] - seattle[hour] for hour in seattle if hour in other]
+    check.words("Hours merged", len(differences))
+    check.words("San Francisco is warmer by", f"{math.fsum(differences) / len(differences):.6g}")
+    check.words("Hours in which Seattle is warmer", sum(difference < 0 for difference in differences))
 
 
 def filled(cells):
@@ -130,6 +208,8 @@ def interpolated(cells):
 def check_air_quality(check, data):
     air = columns_of(data / "airquality.csv")
     numbers = {name: numbers_of(air[name]) for name in ("Ozone", "Solar.R", "Wind", "Temp")}
+    complete = [day for day in zip(*air.values()) if "nan" not in day]
+    check.words("Incomplete days", f"{len(air['Temp']) - len(complete)} of {len(air['Temp'])}")
     numbers["Temp"] = [(fahrenheit - 32) * 5 / 9 for fahrenheit in numbers["Temp"]]
     check.table("Missing values", {name: {
         "gaps": sum(map(math.isnan, cells)),
@@ -146,6 +226,9 @@ def main(data, output, *command):
     run = subprocess.run([*command, data, output], capture_output=True, text=True)
     check = Check(run.stdout)
     check_seattle(check, pathlib.Path(data))
+    check_kinds_of_weather(check, pathlib.Path(data))
+    check_parts_of_the_year(check, pathlib.Path(data), pathlib.Path(output))
+    check_cities(check, pathlib.Path(data))
     check_air_quality(check, pathlib.Path(data))
     print(*check.failures, run.stderr, sep="\n")
     return run.returncode or bool(check.failures)

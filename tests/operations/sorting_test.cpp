@@ -320,16 +320,17 @@ TEST(Tables, AreSortedWhollyOrNotAtAll)
     const LogCapture log;
     const DataFrame source = RandomTable(6, 70);
     const DataFrame expected = source.SelectRow(OrderOfRows(source, {3, 11}, true));
+    const Positions keys{3, 11};
     bool didSortInPlace = false;
     for (AllocationRounds rounds; rounds.Next();) {
         DataFrame table = source;
         ErrorCode code = 0;
         {
             const FailingAllocation failing(rounds.Spared());
-            code = table.Sort({3, 11}, true);
+            code = table.Sort(keys, true);
             didSortInPlace = didSortInPlace || (code == 0 && FailingAllocation::HasFailed());
         }
-        ASSERT_TRUE(code == 0 || code == 3 || code == 21) << code;
+        ASSERT_TRUE(code == 0 || code == 3 || code == 5 || code == 21) << code; // 5 where no cursor could be had
         DataFrame wanted = code == 0 ? expected : source;
         wanted.SetError(table.GetError());
         ASSERT_TRUE(IsSameTable(table, wanted)) << "after " << rounds.Spared();
@@ -362,7 +363,7 @@ TEST(Sorting, RefusesWithCodeAndMessage)
         {__LINE__, TableOf(numbers(), nested()), {0, 1}, 1, sortFailed},
         {__LINE__, TableOf(numbers(), list()), {0, 1}, 21, sortFailed},
         {__LINE__, TableOf(numbers(), list()), {0}, 2, moveFailed},
-        {__LINE__, failed, {0}, 9, moveFailed},
+        {__LINE__, std::move(failed), {0}, 9, moveFailed},
         {__LINE__, DataFrame(), {0}, 4, "the indexlist contains index which is out of range"},
     };
     for (Refusal& refused : cases) {

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tessera/core/kept_blocks.h"
+
 namespace {
 
 constexpr unsigned int NEVER = 0xFFFFFFFFU;
@@ -39,6 +41,7 @@ namespace MERVO::Tessera {
 
 FailingAllocation::FailingAllocation(unsigned int spared, std::size_t fromBytes)
 {
+    keptBlocks.ReleaseAll(); // they would stand in for what fails
     hasFailed = false;
     smallestCounted = fromBytes;
     sparedAllocations = spared;

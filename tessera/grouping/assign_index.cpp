@@ -1,0 +1,62 @@
+#include "tessera/grouping/assign_index.h"
+
+#include "tessera/core/flat_call.h"
+#include "tessera/functors/array_form.h"
+#include "tessera/functors/gather.h"
+#include "tessera/functors/missing_cell.h"
+
+namespace MERVO::Tessera::Func {
+namespace {
+
+using Rows = std::vector<std::uint32_t>;
+
+/// Whether each row is below the bound, or none.
+bool AreBelowOrMissing(const Rows& rows, std::uint32_t bound)
+{
+    std::uint32_t mostNeeded = 0;
+    for (const std::uint32_t row : rows) {
+        mostNeeded = std::max(mostNeeded, row + 1); // which is 0 for NO_ROW
+    }
+    return mostNeeded <= bound;
+}
+
+} // namespace
+
+template <ContainerID CID>
+std::string AssignIndexBase<CID>::GetName() const
+{
+    return "AssignIndex";
+}
+
+template <ContainerID CID>
+SeriesAttr AssignIndexBase<CID>::GetDstAttr(const Cursor& src) const
+{
+    return WithLength(src->GetAttr(), static_cast<std::uint32_t>(rows.size()));
+}
+
+template <ContainerID CID>
+bool AssignIndexBase<CID>::CheckParams(const Cursor& src, const Cursor& dst) const
+{
+    return src->GetAttr().typeId == dst->GetAttr().typeId && dst->Length() == rows.size() &&
+        AreBelowOrMissing(rows, src->Length());
+}
+
+template <ContainerID CID>
+template <typename T>
+ErrorCode AssignIndexBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
+{
+    return Guarded("AssignIndex", [&]() -> ErrorCode {
+        const ArrayForm source(src);
+        ArrayRoom result(dst);
+        const bool hasAll = AreBelow(rows, src->Length());
+        hasAll ? Gather(source.Get(), rows, result.Get()) : GatherOrMissing(source.Get(), rows, result.Get());
+        result.Deliver();
+        return ERROR_NONE;
+    });
+}
+
+template class Unary<AssignIndexBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template class AssignIndexBase<CONTAINER_ARRAY>;
+template class AssignIndex<CONTAINER_ARRAY, const Rows&>;
+
+} // namespace MERVO::Tessera::Func

@@ -1,0 +1,168 @@
+#include "tessera/grouping/sample_functors.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "tessera/core/data_frame.h"
+#include "tessera/core/flat_call.h"
+#include "tessera/functors/element_walk.h"
+#include "tessera/functors/gather_present.h"
+#include "tessera/functors/missing_cell.h"
+#include "tessera/grouping/time_windows.h"
+
+namespace MERVO::Tessera::Func {
+namespace {
+
+DateTime NearestMoment(std::int64_t seconds)
+{
+    using Limits = std::numeric_limits<std::int32_t>;
+    return {static_cast<long>(std::clamp<std::int64_t>(seconds, Limits::min(), Limits::max()))};
+}
+
+/// The same rows, -1 as NO_ROW.
+std::span<const std::uint32_t> RowsOf(const std::vector<std::int32_t>& sampleRows)
+{
+    return {reinterpret_cast<const std::uint32_t*>(sampleRows.data()), sampleRows.size()};
+}
+
+/// What cells of numbers are written as: a pattern of bits serves all numbers that are 0.
+template <typename T>
+using WrittenAs = typename std::conditional_t<std::is_integral_v<T> && !std::is_same_v<T, bool>, std::make_unsigned<T>,
+    std::type_identity<T>>::type;
+
+template <typename T>
+void FillMissing(const Cursor& cursor)
+{
+    const T missing = MissingCell<T>();
+    ForEachElement<T>(cursor, [&missing](auto&& cell) { cell = missing; });
+}
+
+} // namespace
+
+// ---- NanRows
+
+template <ContainerID CID>
+std::string NanRows<CID>::GetName() const
+{
+    return "NanRows";
+}
+
+template <ContainerID CID>
+SeriesAttr NanRows<CID>::GetDstAttr(const Cursor& cursor) const
+{
+    return cursor->GetAttr();
+}
+
+template <ContainerID CID>
+bool NanRows<CID>::CheckParams(const Cursor&) const
+{
+    return true;
+}
+
+template <ContainerID CID>
+template <typename T>
+ErrorCode NanRows<CID>::OnExecute(const Cursor& cursor) const
+{
+    return Guarded("NanRows", [&]() -> ErrorCode {
+        FillMissing<WrittenAs<T>>(cursor);
+        return ERROR_NONE;
+    });
+}
+
+// ---- ApplyGroupOtherCol
+
+template <ContainerID CID>
+std::string ApplyGroupOtherColBase<CID>::GetName() const
+{
+    return "ApplyGroupOtherCol";
+}
+
+template <ContainerID CID>
+SeriesAttr ApplyGroupOtherColBase<CID>::GetDstAttr(const Cursor& src) const
+{
+    return WithLength(src->GetAttr(), static_cast<std::uint32_t>(sampleRows.size()));
+}
+
+template <ContainerID CID>
+bool ApplyGroupOtherColBase<CID>::CheckParams(const Cursor& src, const Cursor& dst) const
+{
+    return src->GetAttr().typeId == dst->GetAttr().typeId && dst->Length() == sampleRows.size() &&
+        AreRowsBelow(RowsOf(sampleRows), src->Length());
+}
+
+template <ContainerID CID>
+template <typename T>
+ErrorCode ApplyGroupOtherColBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
+{
+    return Guarded("ApplyGroupOtherCol", [&]() -> ErrorCode {
+        GatherPresent(src, RowsOf(sampleRows), dst);
+        return ERROR_NONE;
+    });
+}
+
+// ---- ApplyGroupTimeLabel
+
+template <ContainerID CID>
+std::string ApplyGroupTimeLabelBase<CID>::GetName() const
+{
+    return "ApplyGroupTimeLabel";
+}
+
+template <ContainerID CID>
+SeriesAttr ApplyGroupTimeLabelBase<CID>::GetDstAttr(const Cursor& src) const
+{
+    return WithLength(src->GetAttr(), static_cast<std::uint32_t>(sampleRows.size()));
+}
+
+template <ContainerID CID>
+bool ApplyGroupTimeLabelBase<CID>::CheckParams(const Cursor& src, const Cursor& dst) const
+{
+    if (src->GetAttr().typeId != TESSERA_DATETIME || dst->GetAttr().typeId != TESSERA_DATETIME || sampleRows.empty() ||
+        sampleCounts.empty() || gap.TimeStamp() < 0) {
+        return false;
+    }
+    const std::int32_t first = sampleRows.front();
+    const auto absent = std::count(sampleRows.begin(), sampleRows.end(), NO_SAMPLE);
+    std::uint64_t labelled = 0;
+    for (const std::uint32_t count : sampleCounts) {
+        labelled += count;
+    }
+    return first >= 0 && static_cast<std::uint32_t>(first) < src->Length() &&
+        sampleRows.size() - static_cast<std::size_t>(absent) <= src->Length() && labelled == sampleRows.size() &&
+        dst->Length() == sampleRows.size();
+}
+
+template <ContainerID CID>
+template <typename T>
+ErrorCode ApplyGroupTimeLabelBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
+{
+    if constexpr (std::is_same_v<T, DateTime>) {
+        const auto firstRow = static_cast<std::uint32_t>(sampleRows.front());
+        TimeWindows window(GetValueFromIterator<DateTime>(src, firstRow).TimeStamp(), gap.TimeStamp(), closedLeft);
+        WithPlaces<DateTime>(dst, [&](auto place, auto) {
+            for (const std::uint32_t count : sampleCounts) {
+                const DateTime label = NearestMoment(labelLeft ? window.Start() : window.End());
+                for (std::uint32_t i = 0; i < count; ++i, ++place) {
+                    *place = label;
+                }
+                window.GoOn(1);
+            }
+        });
+        return ERROR_NONE;
+    } else {
+        return ERROR_GENERAL;
+    }
+}
+
+template class Nullary<NanRows<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template class NanRows<CONTAINER_ARRAY>;
+template class Unary<ApplyGroupOtherColBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template class ApplyGroupOtherColBase<CONTAINER_ARRAY>;
+template class ApplyGroupOtherCol<CONTAINER_ARRAY, std::vector<std::int32_t>&>;
+template class ApplyGroupOtherCol<CONTAINER_ARRAY, const std::vector<std::int32_t>&>;
+template class Unary<ApplyGroupTimeLabelBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template class ApplyGroupTimeLabelBase<CONTAINER_ARRAY>;
+template class ApplyGroupTimeLabel<CONTAINER_ARRAY, std::vector<std::int32_t>&, std::vector<std::uint32_t>&, bool&,
+    bool&, DateTime&>;
+
+} // namespace MERVO::Tessera::Func

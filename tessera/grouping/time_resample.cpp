@@ -1,0 +1,74 @@
+#include "tessera/grouping/time_resample.h"
+
+#include <limits>
+
+#include "tessera/core/data_frame.h"
+#include "tessera/core/flat_call.h"
+#include "tessera/functors/array_form.h"
+#include "tessera/functors/gather.h"
+#include "tessera/grouping/time_windows.h"
+
+namespace MERVO::Tessera::Func {
+namespace {
+
+/// The stamps at some positions.
+std::vector<std::int32_t> StampsOf(const Cursor& column, const std::vector<std::uint32_t>& index)
+{
+    const ArrayForm array(column);
+    const DateTime* const cells = CursorAs<CONTAINER_ARRAY, DateTime>(array.Get()).mHead;
+    std::vector<std::int32_t> stamps;
+    stamps.reserve(index.size());
+    for (const std::uint32_t position : index) {
+        stamps.push_back(static_cast<std::int32_t>(cells[position].TimeStamp()));
+    }
+    return stamps;
+}
+
+} // namespace
+
+template <ContainerID CID>
+std::string TimeResampleBase<CID>::GetName() const
+{
+    return "TimeResample";
+}
+
+template <ContainerID CID>
+SeriesAttr TimeResampleBase<CID>::GetDstAttr(const Cursor& cursor) const
+{
+    return cursor->GetAttr();
+}
+
+template <ContainerID CID>
+bool TimeResampleBase<CID>::CheckParams(const Cursor&) const
+{
+    return true;
+}
+
+template <ContainerID CID>
+template <typename T>
+ErrorCode TimeResampleBase<CID>::OnExecute(const Cursor& cursor) const
+{
+    if constexpr (std::is_same_v<T, DateTime>) {
+        if (!AreBelow(index, cursor->Length())) {
+            LogError("there exists index that exceeds length limit");
+            return ERROR_OUT_OF_RANGE;
+        }
+        if (gap.TimeStamp() < 1) {
+            LogError("Invalid time gap: %d", static_cast<int>(gap.TimeStamp()));
+            return ERROR_BAD_VALUE;
+        }
+        return Guarded("TimeResample", [&]() -> ErrorCode {
+            return CutIntoWindows(
+                StampsOf(cursor, index), index, gap.TimeStamp(), closedLeft, {sampleRows, sampleCounts});
+        });
+    } else {
+        return ERROR_GENERAL;
+    }
+}
+
+template class Nullary<TimeResampleBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template class TimeResampleBase<CONTAINER_ARRAY>;
+template class TimeResample<CONTAINER_ARRAY, std::vector<std::uint32_t>&, const DateTime&, bool&,
+    std::vector<std::int32_t>&, std::vector<std::uint32_t>&>;
+
+} // namespace MERVO::Tessera::Func

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "tessera/core/error.h"
+
+namespace MERVO::Tessera {
+
+/// Windows of one width in seconds, one behind the other. In 64 bits, as the first may start before the first moment
+/// and the last end behind the last one.
+class TimeWindows {
+public:
+    /// Takes the time of the first row, by which the first window is laid out: it starts there, or, unless closedLeft,
+    /// ends there.
+    TimeWindows(std::int64_t firstTime, std::int64_t widthInSeconds, bool includesStart)
+        : start(includesStart ? firstTime : firstTime - widthInSeconds), width(widthInSeconds),
+          closedLeft(includesStart)
+    {
+    }
+
+    std::int64_t Start() const { return start; }
+    std::int64_t End() const { return start + width; }
+    bool StartsAfter(std::int64_t time) const { return closedLeft ? time < start : time <= start; }
+    bool Has(std::int64_t time) const { return !StartsAfter(time) && (closedLeft ? time < End() : time <= End()); }
+    /// How many windows from here on end before a time that this one doesn't start after.
+    std::uint64_t CountBefore(std::int64_t time) const
+    {
+        return static_cast<std::uint64_t>((time - start - (closedLeft ? 0 : 1)) / width);
+    }
+    /// How many windows from here on start at or before a time that this one starts at or before.
+    std::uint64_t CountStarted(std::int64_t time) const
+    {
+        return static_cast<std::uint64_t>((time - start) / width) + 1;
+    }
+    void GoOn(std::uint64_t windows) { start += static_cast<std::int64_t>(windows) * width; }
+
+private:
+    std::int64_t start;
+    std::int64_t width;
+    bool closedLeft;
+};
+
+/// The sample row of an empty window.
+inline constexpr std::int32_t NO_SAMPLE = -1;
+
+/// What windows make of rows: for each row of the result the source row, -1 for that of an empty window; and for each
+/// window its number of rows.
+struct SampledRows {
+    std::vector<std::int32_t>& rows;
+    std::vector<std::uint32_t>& counts;
+};
+
+/**
+ * Appends the rows of `index` window by window.
+ * @param times the rows' times, in the order of `index`.
+ * @return 0, or 3, with a message and nothing appended: too many rows. Throws std::bad_alloc; nothing is appended then.
+ */
+[[nodiscard]] ErrorCode CutIntoWindows(std::span<const std::int32_t> times, std::span<const std::uint32_t> index,
+    std::int64_t width, bool closedLeft, const SampledRows& samples);
+
+} // namespace MERVO::Tessera
