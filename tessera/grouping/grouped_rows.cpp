@@ -1,6 +1,8 @@
 #include "tessera/grouping/grouped_rows.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <new>
 #include <numeric>
 
@@ -39,6 +41,36 @@ bool AreInOrder(Keys keys)
     return keys.size() == 1 && type != TESSERA_BOOL && type != TESSERA_DATETIME;
 }
 
+/// Numbers rows by their keys; returns how many numbers there are.
+std::uint32_t NumberRows(Keys keys, Positions& numbers)
+{
+    RowNumbers rows(keys, RowNumbers::Nan::NONE_EQUAL);
+    const auto end = static_cast<std::uint32_t>(numbers.size());
+    for (std::uint32_t first = 0; first < end; first += RowNumbers::BLOCK) {
+        rows.NumberUp(first, std::min(RowNumbers::BLOCK, end - first), numbers.data() + first);
+    }
+    return rows.Count();
+}
+
+/// Puts the number of each pair of numbers in place of its first one; returns how many there are.
+std::uint32_t NumberPairs(
+    Positions& firsts, std::uint32_t firstCount, const Positions& seconds, std::uint32_t secondCount)
+{
+    const auto bits = static_cast<unsigned int>(std::bit_width(secondCount));
+    const auto rowCount = static_cast<std::uint32_t>(firsts.size());
+    DistinctKeys pairs(static_cast<unsigned int>(std::bit_width(firstCount)) + bits, rowCount);
+    std::array<std::uint64_t, RowNumbers::BLOCK> keys;
+    for (std::uint32_t first = 0; first < rowCount; first += RowNumbers::BLOCK) {
+        const std::uint32_t count = std::min(RowNumbers::BLOCK, rowCount - first);
+        std::uint32_t* const numbers = firsts.data() + first;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            keys[i] = std::uint64_t{numbers[i]} << bits | seconds[first + i];
+        }
+        pairs.Number({keys.data(), count}, numbers);
+    }
+    return pairs.Count();
+}
+
 } // namespace
 
 GroupedRows::GroupedRows(Keys keys) : groupOfRow(keys.front()->Length()), begins(1)
@@ -56,19 +88,23 @@ GroupedRows::GroupedRows(Keys keys) : groupOfRow(keys.front()->Length()), begins
 
 void GroupedRows::NumberByBits(Keys keys)
 {
-    RowNumbers rows(keys, RowNumbers::Nan::NONE_EQUAL);
-    const auto rowCount = static_cast<std::uint32_t>(groupOfRow.size());
-    for (std::uint32_t first = 0; first < rowCount;) {
-        const std::uint32_t count = std::min(RowNumbers::BLOCK, rowCount - first);
-        rows.NumberUp(first, count, groupOfRow.data() + first);
-        for (const std::uint32_t end = first + count; first < end; ++first) {
-            const std::uint32_t number = groupOfRow[first];
-            if (number == firstRows.size()) {
-                firstRows.push_back(first);
-                begins.push_back(0);
-            }
-            ++begins[number + 1];
+    const bool hasTexts = std::any_of(
+        keys.begin(), keys.end(), [](const Cursor& key) { return key->GetAttr().typeId == TESSERA_STRING; });
+    const std::size_t atOnce = hasTexts ? 1 : keys.size(); // how wide a text's numbers are shows only at the end
+    std::uint32_t count = NumberRows(keys.first(atOnce), groupOfRow);
+    Positions next(atOnce == keys.size() ? 0 : groupOfRow.size());
+    for (std::size_t k = atOnce; k < keys.size(); ++k) {
+        const std::uint32_t nextCount = NumberRows(keys.subspan(k, 1), next);
+        count = NumberPairs(groupOfRow, count, next, nextCount);
+    }
+    firstRows.reserve(count);
+    begins.resize(count + std::size_t{1});
+    for (std::uint32_t row = 0; row < groupOfRow.size(); ++row) {
+        const std::uint32_t number = groupOfRow[row];
+        if (number == firstRows.size()) {
+            firstRows.push_back(row);
         }
+        ++begins[number + 1];
     }
 }
 
