@@ -17,6 +17,7 @@ class BaseGroups;
 class DateTime;
 class Groups;
 class Samples;
+class SortKeys;
 
 /**
  * A table: the owner of its columns.
@@ -346,8 +347,8 @@ public:
      * conversion. First come the key columns under this table's names, then this table's other columns, then those of
      * `right`. A missing row gives NaN in floating columns and in all others 0, false, nothing or a stamp of 0.
      *
-     * Working set: the combined keys and 9 bytes per row of both tables (while they are sorted 20, with NaN 28), and 16
-     * bytes per distinct key; then 8 bytes per row of the result.
+     * Working set: for each row of both tables 21 bytes while they are sorted, with NaN 29; then 4, with 16 for each
+     * distinct key and 8 for each row of the result, which alone stay until the result is whole. Keys are not copied.
      * @param leftOn   positions of the keys in this table's window. Each counts once, and they are taken in ascending
      *                 order: the lowest one is paired with the lowest of rightOn, and so on. Without keys every row
      *                 matches every other.
@@ -457,6 +458,7 @@ private:
         const TableParams& params, const Groups& columnGroups, unsigned int group, unsigned int value) const;
 
     using MergeRows = std::vector<std::uint32_t>; ///< positions of rows or columns
+    using MergeKeys = std::vector<std::unique_ptr<SortKeys>>;
 
     /// Merge behind its checks.
     DataFrame MergeInternal(const DataFrame& right, MergeRows& leftOn, MergeRows& rightOn,
@@ -464,10 +466,11 @@ private:
     /// The rows of both sides for each row of the result.
     Error PairMergeRows(const DataFrame& right, const MergeRows& leftOn, const MergeRows& rightOn,
         MERVO_TESSERA_MERGE_JOINTYPE type, MergeRows& leftRows, MergeRows& rightRows) const;
-    /// Copies the keys of both tables into one column for each pair, this table's rows first, and sorts the rows of
-    /// those: in descending order, the last key the most significant one. Throws std::bad_alloc.
-    MergeRows SortAndGetKey(
-        const DataFrame& right, const MergeRows& leftOn, const MergeRows& rightOn, Columns& keys) const;
+    /// Sorts the rows of both tables, this one's first, by each key: in descending order, the last key the most
+    /// significant one. Flags the changes of that key, or leaves it with the others in `keys`, whose changes are yet to
+    /// be marked. Throws std::bad_alloc.
+    MergeRows SortAndGetKey(const DataFrame& right, const MergeRows& leftOn, const MergeRows& rightOn, MergeKeys& keys,
+        std::vector<std::uint8_t>& flags) const;
     /// Counts the rows of each run; a flag is set for the first one of a run.
     void CalculateMergeIndex(
         const std::vector<std::uint8_t>& flags, const MergeRows& index, std::vector<MergeIndex>& result) const;

@@ -103,7 +103,12 @@ ErrorCode DataFrame::ApplyInplace(const UnaryFactory& factory, const DataFrameRe
     if (!UnaryApplyCheck(run.Name(), src, code)) {
         return code;
     }
+    Columns reduced = Func::ReduceTogether(factory, src);
     return ReplaceColumns({FitColumns(src), src.ColumnCount(), false}, [&](unsigned int k, SeriesPtr& result) {
+        if (!reduced.empty()) {
+            result = std::move(reduced[k]);
+            return ErrorCode{ERROR_NONE};
+        }
         const ContainerID container = run.SourceContainer(k);
         run.Open(k, container);
         return ComputeForTable(*this, run, container, "can not change the container type", result);

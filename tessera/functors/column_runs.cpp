@@ -17,6 +17,33 @@ void UnaryRun::Open(unsigned int k, ContainerID container)
     name = column == nullptr ? std::string() : column->GetName();
 }
 
+std::vector<SeriesPtr> ReduceTogether(const UnaryFactory& factory, const DataFrameRef& src)
+{
+    std::vector<Cursor> sources;
+    for (unsigned int k = 0; k < src.ColumnCount(); ++k) {
+        const SeriesPtr& column = src.GetColumn(k);
+        if (ContainerOf(column) != CONTAINER_ARRAY || column == nullptr || column->GetTypeId() != TESSERA_DOUBLE) {
+            return {};
+        }
+        sources.push_back(src.GetSlicedIterator(column));
+        if (sources.back() == nullptr) {
+            return {};
+        }
+    }
+    FunctorSlots<UnaryBase> slots(factory);
+    const UnaryBase& functor = slots.For(CONTAINER_ARRAY);
+    if (sources.size() < 2 || functor.GetDstAttr(sources.front()).length != 1) {
+        return {};
+    }
+    std::vector<SeriesPtr> columns;
+    std::vector<Cursor> results;
+    for (unsigned int k = 0; k < src.ColumnCount(); ++k) {
+        columns.push_back(BuildSeries(functor.GetDstAttr(sources[k]), src.GetColumn(k)->GetName()));
+        results.push_back(columns.back()->GetIterator());
+    }
+    return functor.ReduceColumns(sources, results) ? std::move(columns) : std::vector<SeriesPtr>();
+}
+
 ContainerID BinaryRun::SourceContainer(unsigned int k) const
 {
     const DataFrameRef& wider = left.ColumnCount() >= right.ColumnCount() ? left : right;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "tessera/core/data_frame_ref.h"
 #include "tessera/functors/functor_slots.h"
@@ -29,6 +30,13 @@ private:
     Cursor cursor;
     std::string name;
 };
+
+/**
+ * Reduces all columns of a table at once, where the functor has a form for that.
+ * @return the results, named as the columns; none where it has none, or without memory: then the columns are reduced
+ *         one by one.
+ */
+std::vector<SeriesPtr> ReduceTogether(const UnaryFactory& factory, const DataFrameRef& src);
 
 /// One binary operation on its way over the columns of two tables; a table of one column gives it every time.
 class BinaryRun {

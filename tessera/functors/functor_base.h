@@ -78,6 +78,12 @@ public:
      *         then it is run on each group. Throws std::bad_alloc.
      */
     virtual bool ReduceGroups(const Cursor& src, const RowGroups& groups, const Cursor& dst) const;
+    /**
+     * Reduces several columns at a time, each to the bits that a run on it alone makes of it.
+     * @return false, and nothing is written, where the functor has no such form for these columns, as most have none:
+     *         then it is run on each. What was said of ReduceGroups about overriding holds here, too.
+     */
+    virtual bool ReduceColumns(std::span<const Cursor> sources, std::span<const Cursor> results) const;
 
 protected:
     /// Which cursor's value type picks the table's row and column.

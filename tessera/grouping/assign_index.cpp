@@ -3,22 +3,12 @@
 #include "tessera/core/flat_call.h"
 #include "tessera/functors/array_form.h"
 #include "tessera/functors/gather.h"
-#include "tessera/functors/missing_cell.h"
+#include "tessera/functors/gather_present.h"
 
 namespace MERVO::Tessera::Func {
 namespace {
 
 using Rows = std::vector<std::uint32_t>;
-
-/// Whether each row is below the bound, or none.
-bool AreBelowOrMissing(const Rows& rows, std::uint32_t bound)
-{
-    std::uint32_t mostNeeded = 0;
-    for (const std::uint32_t row : rows) {
-        mostNeeded = std::max(mostNeeded, row + 1); // which is 0 for NO_ROW
-    }
-    return mostNeeded <= bound;
-}
 
 } // namespace
 
@@ -38,7 +28,7 @@ template <ContainerID CID>
 bool AssignIndexBase<CID>::CheckParams(const Cursor& src, const Cursor& dst) const
 {
     return src->GetAttr().typeId == dst->GetAttr().typeId && dst->Length() == rows.size() &&
-        AreBelowOrMissing(rows, src->Length());
+        AreRowsBelow(rows, src->Length());
 }
 
 template <ContainerID CID>

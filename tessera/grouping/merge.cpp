@@ -35,58 +35,62 @@ bool HasWholeWindow(const DataFrame& table)
 long CountOf(std::size_t count) { return static_cast<long>(count); }
 int NumberOf(std::uint32_t position) { return static_cast<int>(position); }
 
-const char* RefusalOfPair(const DataFrame& left, std::uint32_t leftKey, const DataFrame& right, std::uint32_t rightKey)
+Error Refused(const char* message) { return {ERROR_BAD_VALUE, message}; }
+
+Error RefusalOfPair(const DataFrame& left, std::uint32_t leftKey, const DataFrame& right, std::uint32_t rightKey)
 {
     if (leftKey >= left.ColumnCount()) {
         LogError("Left index %d out of range %ld", NumberOf(leftKey), CountOf(left.ColumnCount()));
-        return "Invalid join left shape.";
+        return Refused("Invalid join left shape.");
     }
     if (rightKey >= right.ColumnCount()) {
         LogError("Right index %d out of range %ld", NumberOf(rightKey), CountOf(right.ColumnCount()));
-        return "Invalid join right shape.";
+        return Refused("Invalid join right shape.");
     }
-    const MERVO_TESSERA_TYPEID leftType = left.GetColumn(leftKey)->GetTypeId();
-    const MERVO_TESSERA_TYPEID rightType = right.GetColumn(rightKey)->GetTypeId();
-    if (leftType != rightType) {
-        LogError("Left %d typeID  %d must equal right %d typeID %d", NumberOf(leftKey), static_cast<int>(leftType),
-            NumberOf(rightKey), static_cast<int>(rightType));
-        return "Invalid join left type.";
+    const SeriesAttr leftAttr = left.GetColumn(leftKey)->GetAttr();
+    const SeriesAttr rightAttr = right.GetColumn(rightKey)->GetAttr();
+    if (leftAttr.typeId != rightAttr.typeId) {
+        LogError("Left %d typeID  %d must equal right %d typeID %d", NumberOf(leftKey),
+            static_cast<int>(leftAttr.typeId), NumberOf(rightKey), static_cast<int>(rightAttr.typeId));
+        return Refused("Invalid join left type.");
     }
-    if (leftType == TESSERA_DATAFRAME) {
+    if (leftAttr.typeId == TESSERA_DATAFRAME) {
         LogError("The merge key cannot be an DataFrame %d", NumberOf(leftKey));
-        return "Invalid join right type.";
+        return Refused("Invalid join right type.");
     }
-    return nullptr;
+    if (leftAttr.containerId != CONTAINER_ARRAY || rightAttr.containerId != CONTAINER_ARRAY) {
+        LogError("The merge key cannot be in a list, left %d, right %d", NumberOf(leftKey), NumberOf(rightKey));
+        return {ERROR_PARAMETERS_REFUSED, "Merge keys in a list"};
+    }
+    return {};
 }
 
-/// What speaks against a merge, as the text of its failure; null where nothing does.
-const char* RefusalOf(const DataFrame& left, const Keys& leftOn, const DataFrame& right, const Keys& rightOn,
+/// What speaks against a merge; code 0 where nothing does.
+Error RefusalOf(const DataFrame& left, const Keys& leftOn, const DataFrame& right, const Keys& rightOn,
     MERVO_TESSERA_MERGE_JOINTYPE type)
 {
     if (left.GetError().code != ERROR_NONE || right.GetError().code != ERROR_NONE) {
         LogError("Invalid dataFrame, error %d, rDF error %d", left.GetError().code, right.GetError().code);
-        return "Invalid dataFrame.";
+        return Refused("Invalid dataFrame.");
     }
     if (!HasWholeWindow(left) || !HasWholeWindow(right)) {
         LogError("Can't merge a table whose window is beyond the columns");
-        return "Invalid dataFrame.";
+        return Refused("Invalid dataFrame.");
     }
     if (type < TESSERA_JOIN_INNER || type > TESSERA_JOIN_OUTER) {
         LogError("Invalid join type %d", static_cast<int>(type));
-        return "Invalid join type.";
+        return Refused("Invalid join type.");
     }
     if (leftOn.size() != rightOn.size()) {
         LogError(
             "Left set length  %ld must equal rightOn set size %ld", CountOf(leftOn.size()), CountOf(rightOn.size()));
-        return "Invalid join length.";
+        return Refused("Invalid join length.");
     }
-    for (std::size_t k = 0; k < leftOn.size(); ++k) {
-        const char* const refusal = RefusalOfPair(left, leftOn[k], right, rightOn[k]);
-        if (refusal != nullptr) {
-            return refusal;
-        }
+    Error refusal;
+    for (std::size_t k = 0; k < leftOn.size() && refusal.code == ERROR_NONE; ++k) {
+        refusal = RefusalOfPair(left, leftOn[k], right, rightOn[k]);
     }
-    return nullptr;
+    return refusal;
 }
 
 /// A key column of the result on its way, as ComputeColumn wants it.
@@ -182,17 +186,13 @@ DataFrame DataFrame::Merge(const DataFrame& right, const std::vector<std::uint32
     const std::vector<std::uint32_t>& rightOn, MERVO_TESSERA_MERGE_JOINTYPE type,
     const std::array<std::string, 2>& suffixes) const
 {
-    try {
+    return Func::GuardedTable("Merge", [&] {
         MergeRows leftKeys = InOrderWithoutRepeats(leftOn);
         MergeRows rightKeys = InOrderWithoutRepeats(rightOn);
-        const char* const refusal = RefusalOf(*this, leftKeys, right, rightKeys, type);
-        if (refusal != nullptr) {
-            return Func::FailedTable(ERROR_BAD_VALUE, refusal);
-        }
-        return MergeInternal(right, leftKeys, rightKeys, type, suffixes);
-    } catch (...) { // no memory, or more rows than a list has room for
-        return Func::FailedTable(ERROR_OUT_OF_MEMORY, "out of memory on Merge");
-    }
+        const Error refusal = RefusalOf(*this, leftKeys, right, rightKeys, type);
+        return refusal.code != ERROR_NONE ? Func::FailedTable(refusal.code, refusal.message)
+                                          : MergeInternal(right, leftKeys, rightKeys, type, suffixes);
+    });
 }
 
 ErrorCode DataFrame::MergeInplace(const DataFrame& right, const std::vector<std::uint32_t>& leftOn,

@@ -2,12 +2,12 @@
 #include <limits>
 #include <new>
 #include <numeric>
+#include <span>
 
 #include "tessera/core/data_frame.h"
-#include "tessera/functors/copy_series.h"
 #include "tessera/functors/missing_cell.h"
-#include "tessera/operations/group_index.h"
-#include "tessera/operations/sort_index.h"
+#include "tessera/operations/sort_keys.h"
+#include "tessera/operations/stable_order.h"
 
 namespace MERVO::Tessera {
 namespace {
@@ -19,35 +19,30 @@ constexpr std::uint64_t MOST_ROWS = std::numeric_limits<std::uint32_t>::max();
 bool KeepsLeft(MERVO_TESSERA_MERGE_JOINTYPE type) { return type == TESSERA_JOIN_LEFT || type == TESSERA_JOIN_OUTER; }
 bool KeepsRight(MERVO_TESSERA_MERGE_JOINTYPE type) { return type == TESSERA_JOIN_RIGHT || type == TESSERA_JOIN_OUTER; }
 
-/// Copies a column's rows to the rows of another one from `first` on.
-void CopyKeys(const DataFrame& table, std::uint32_t key, const SeriesPtr& combined, std::uint32_t first)
+/// The rows of a column. All else has been checked, so that only memory can be wanting.
+Cursor RowsOf(const DataFrame& table, std::uint32_t key)
 {
-    const Cursor from = table.GetSlicedIterator(table.GetColumn(key));
-    const Cursor to = combined->GetIterator(first, first + table.RowCount());
-    if (Func::CopySeries<CONTAINER_ARRAY>().ProcessSeries(from, to, true).code != ERROR_NONE) {
-        throw std::bad_alloc(); // all else has been checked
+    Cursor cursor = table.GetSlicedIterator(table.GetColumn(key));
+    if (cursor == nullptr) {
+        throw std::bad_alloc();
     }
+    return cursor;
 }
 
 } // namespace
 
-Rows DataFrame::SortAndGetKey(
-    const DataFrame& right, const MergeRows& leftOn, const MergeRows& rightOn, Columns& keys) const
+Rows DataFrame::SortAndGetKey(const DataFrame& right, const MergeRows& leftOn, const MergeRows& rightOn,
+    MergeKeys& keys, std::vector<std::uint8_t>& flags) const
 {
-    const std::uint32_t leftCount = RowCount();
-    const std::uint32_t count = leftCount + right.RowCount();
-    Rows index(count);
+    Rows index(flags.size());
     std::iota(index.begin(), index.end(), 0U);
     for (std::size_t k = 0; k < leftOn.size(); ++k) {
-        const MERVO_TESSERA_TYPEID type = GetColumn(leftOn[k])->GetTypeId();
-        SeriesPtr combined = BuildSeries({count, CONTAINER_ARRAY, type}, {});
-        CopyKeys(*this, leftOn[k], combined, 0);
-        CopyKeys(right, rightOn[k], combined, leftCount);
-        const Func::SortIndexBase<CONTAINER_ARRAY> sort(index, false, true);
-        if (sort.ProcessSeries(combined->GetIterator()).code != ERROR_NONE) {
-            throw std::bad_alloc();
+        keys.push_back(KeysOf(RowsOf(*this, leftOn[k]), RowsOf(right, rightOn[k])));
+        const bool marksAll = k + 1 == leftOn.size() && !keys.back()->MayHaveNan();
+        OrderStably(*keys.back(), false, index, marksAll ? std::span(flags) : std::span<std::uint8_t>());
+        if (marksAll) {
+            keys.pop_back();
         }
-        keys.push_back(std::move(combined));
     }
     return index;
 }
@@ -140,20 +135,15 @@ Error DataFrame::PairMergeRows(const DataFrame& right, const MergeRows& leftOn, 
         return {ERROR_OUT_OF_MEMORY, "too many rows for Merge"};
     }
     std::vector<MergeIndex> merge;
-    Columns keys;
-    MergeRows index = SortAndGetKey(right, leftOn, rightOn, keys);
-    {
-        std::vector<std::uint8_t> flags(index.size());
-        flags.front() = 1;
-        const Func::GroupIndexBase<CONTAINER_ARRAY> mark(flags, index);
-        for (const SeriesPtr& key : keys) {
-            if (mark.ProcessSeries(key->GetIterator()).code != ERROR_NONE) {
-                throw std::bad_alloc();
-            }
-        }
-        keys.clear();
-        CalculateMergeIndex(flags, index, merge);
+    std::vector<std::uint8_t> flags(static_cast<std::size_t>(count));
+    flags.front() = 1;
+    MergeKeys keys;
+    const MergeRows index = SortAndGetKey(right, leftOn, rightOn, keys, flags);
+    for (const auto& key : keys) {
+        key->MarkChanges(index, flags.data());
     }
+    CalculateMergeIndex(flags, index, merge);
+    flags = {};
     const std::uint64_t length = GetMergedSeriesLength(merge, type);
     if (length > MOST_ROWS) {
         LogError("Can't build a merged table of %llu rows", static_cast<unsigned long long>(length));

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <vector>
 
+#include "tessera/numeric/columns_abreast.h"
 #include "tessera/numeric/deviations.h"
 #include "tessera/numeric/group_sums.h"
 #include "tessera/numeric/reduction_result.h"
@@ -77,6 +78,26 @@ bool StoreSpreadsOfGroups(const Cursor& src, const RowGroups& groups, const Curs
     return true;
 }
 
+struct MeasureSpread {
+    SpreadFrom<double> spreadFrom;
+    std::uint32_t lostDegrees;
+
+    [[gnu::always_inline]] void operator()(const ColumnsAbreast& columns, Abreast& spreads) const
+    {
+        const auto length = static_cast<double>(columns.length);
+        Abreast means{};
+        AddTermsAbreast(means, columns, [length](std::size_t, double value) { return value / length; });
+        Abreast squares{};
+        AddTermsAbreast(squares, columns, [&means](std::size_t k, double value) {
+            const double deviation = value - means[k];
+            return deviation * deviation;
+        });
+        for (std::size_t k = 0; k < COLUMNS_ABREAST; ++k) {
+            spreads[k] = spreadFrom(squares[k], means[k], columns.length, lostDegrees);
+        }
+    }
+};
+
 } // namespace
 
 template <ContainerID CID>
@@ -91,6 +112,12 @@ bool VarBase<CID>::ReduceGroups(const Cursor& src, const RowGroups& groups, cons
     return src->GetAttr().typeId == TESSERA_FLOAT
         ? StoreSpreadsOfGroups<float>(src, groups, dst, &VarianceFrom<float>, lostDegrees)
         : StoreSpreadsOfGroups<double>(src, groups, dst, &VarianceFrom<double>, lostDegrees);
+}
+
+template <ContainerID CID>
+bool VarBase<CID>::ReduceColumns(std::span<const Cursor> sources, std::span<const Cursor> results) const
+{
+    return ReduceAbreast(*this, sources, results, MeasureSpread{&VarianceFrom<double>, lostDegrees});
 }
 
 template <ContainerID CID>
@@ -116,6 +143,12 @@ bool StdBase<CID>::ReduceGroups(const Cursor& src, const RowGroups& groups, cons
     return src->GetAttr().typeId == TESSERA_FLOAT
         ? StoreSpreadsOfGroups<float>(src, groups, dst, &DeviationFrom<float>, lostDegrees)
         : StoreSpreadsOfGroups<double>(src, groups, dst, &DeviationFrom<double>, lostDegrees);
+}
+
+template <ContainerID CID>
+bool StdBase<CID>::ReduceColumns(std::span<const Cursor> sources, std::span<const Cursor> results) const
+{
+    return ReduceAbreast(*this, sources, results, MeasureSpread{&DeviationFrom<double>, lostDegrees});
 }
 
 template <ContainerID CID>

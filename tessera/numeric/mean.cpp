@@ -1,10 +1,12 @@
 #include "tessera/numeric/mean.h"
 
+#include <limits>
 #include <vector>
 
 #include "tessera/core/date_time.h"
 #include "tessera/functors/element_walk.h"
 #include "tessera/numeric/cal_mean.h"
+#include "tessera/numeric/columns_abreast.h"
 #include "tessera/numeric/group_sums.h"
 #include "tessera/numeric/reduction_result.h"
 
@@ -60,6 +62,21 @@ bool StoreMeansOfGroups(const Cursor& src, const RowGroups& groups, const Cursor
     return true;
 }
 
+struct Average {
+    bool skipNan;
+
+    [[gnu::always_inline]] void operator()(const ColumnsAbreast& columns, Abreast& means) const
+    {
+        means = {};
+        std::array<std::uint32_t, COLUMNS_ABREAST> missing{};
+        AddPresentAbreast(means, missing, columns);
+        for (std::size_t k = 0; k < COLUMNS_ABREAST; ++k) {
+            means[k] = missing[k] != 0 && !skipNan ? std::numeric_limits<double>::quiet_NaN()
+                                                   : MeanFrom(means[k], columns.length - missing[k]);
+        }
+    }
+};
+
 constexpr ResultTypes RESULT_TYPES =
     ForEachValueType([](auto number) { return TYPE_ID_OF<MeanResult<ValueTypes::At<number()>>>; });
 
@@ -89,6 +106,12 @@ bool Mean<CID>::ReduceGroups(const Cursor& src, const RowGroups& groups, const C
     return skipNan &&
         (src->GetAttr().typeId == TESSERA_FLOAT ? StoreMeansOfGroups<float>(src, groups, dst)
                                                 : StoreMeansOfGroups<double>(src, groups, dst));
+}
+
+template <ContainerID CID>
+bool Mean<CID>::ReduceColumns(std::span<const Cursor> sources, std::span<const Cursor> results) const
+{
+    return ReduceAbreast(*this, sources, results, Average{skipNan});
 }
 
 template <ContainerID CID>

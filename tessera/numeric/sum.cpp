@@ -5,6 +5,7 @@
 #include "tessera/core/date_time.h"
 #include "tessera/functors/element_walk.h"
 #include "tessera/numeric/column_sums.h"
+#include "tessera/numeric/columns_abreast.h"
 #include "tessera/numeric/group_sums.h"
 #include "tessera/numeric/reduction_result.h"
 
@@ -54,6 +55,14 @@ bool StoreSumsOfGroups(const Cursor& src, const RowGroups& groups, const Cursor&
     return true;
 }
 
+struct AddUp {
+    [[gnu::always_inline]] void operator()(const ColumnsAbreast& columns, Abreast& sums) const
+    {
+        sums = {};
+        AddTermsAbreast(sums, columns, [](std::size_t, double value) { return value; });
+    }
+};
+
 constexpr ResultTypes RESULT_TYPES =
     ForEachValueType([](auto number) { return TYPE_ID_OF<SumResult<ValueTypes::At<number()>>>; });
 
@@ -83,6 +92,12 @@ bool Sum<CID>::ReduceGroups(const Cursor& src, const RowGroups& groups, const Cu
     return src->GetAttr().typeId == TESSERA_FLOAT
         ? StoreSumsOfGroups<float>(src, groups, dst)
         : StoreSumsOfGroups<double>(src, groups, dst); // a count of bools has no such cells
+}
+
+template <ContainerID CID>
+bool Sum<CID>::ReduceColumns(std::span<const Cursor> sources, std::span<const Cursor> results) const
+{
+    return ReduceAbreast(*this, sources, results, AddUp{});
 }
 
 template <ContainerID CID>

@@ -1,7 +1,5 @@
 #include "tessera/operations/group_index.h"
 
-#include <cmath>
-#include <limits>
 #include <string>
 #include <type_traits>
 
@@ -10,19 +8,11 @@
 #include "tessera/core/flat_call.h"
 #include "tessera/functors/array_form.h"
 #include "tessera/functors/gather.h"
+#include "tessera/operations/different_elements.h"
+#include "tessera/operations/sort_keys.h"
 
 namespace MERVO::Tessera::Func {
 namespace {
-
-template <typename T>
-bool AreDifferent(const T& left, const T& right)
-{
-    if constexpr (std::is_floating_point_v<T>) {
-        return !(std::fabs(left - right) <= std::numeric_limits<T>::epsilon());
-    } else {
-        return left != right;
-    }
-}
 
 /// The first cell, with integers as unsigned ones: values that are compared alike need one kernel.
 template <typename T>
@@ -36,23 +26,13 @@ auto HeadOf(const Cursor& column)
     }
 }
 
-template <typename Position, typename PlaceOf>
-void MarkChanges(Position head, std::vector<std::uint8_t>& flags, PlaceOf placeOf)
+template <typename Position>
+void MarkChanges(Position head, std::vector<std::uint8_t>& flags)
 {
     std::uint8_t* const __restrict marks = flags.data(); // a byte could be part of anything else
-    const std::size_t count = flags.size();
-    for (std::size_t i = 1; i < count; ++i) {
-        marks[i] = AreDifferent(*(head + placeOf(i)), *(head + placeOf(i - 1))) ? 1 : marks[i];
-    }
-}
-
-template <typename Position>
-void MarkChangesOf(Position head, std::vector<std::uint8_t>& flags, const std::vector<std::uint32_t>* index)
-{
-    if (index == nullptr) {
-        MarkChanges(head, flags, [](std::size_t i) { return static_cast<std::ptrdiff_t>(i); });
-    } else {
-        MarkChanges(head, flags, [index](std::size_t i) { return static_cast<std::ptrdiff_t>((*index)[i]); });
+    const auto count = static_cast<std::ptrdiff_t>(flags.size());
+    for (std::ptrdiff_t i = 1; i < count; ++i) {
+        marks[i] = AreDifferent(*(head + i), *(head + (i - 1))) ? 1 : marks[i];
     }
 }
 
@@ -98,7 +78,11 @@ ErrorCode GroupIndexBase<CID>::OnExecute(const Cursor& cursor) const
         }
         return Guarded("GroupIndex", [&]() -> ErrorCode {
             const ArrayForm array(cursor);
-            MarkChangesOf(HeadOf<T>(array.Get()), flags, index);
+            if (index == nullptr) {
+                MarkChanges(HeadOf<T>(array.Get()), flags);
+            } else {
+                KeysOf(array.Get())->MarkChanges({index->data(), flags.size()}, flags.data());
+            }
             return ERROR_NONE;
         });
     }

@@ -9,6 +9,7 @@
 
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
+#include "tessera/operations/different_elements.h"
 
 namespace MERVO::Tessera {
 namespace {
@@ -38,12 +39,55 @@ std::uint64_t KeyOf(T number)
 
 std::uint64_t KeyOf(const DateTime& time) { return KeyOf(static_cast<std::int64_t>(time.TimeStamp())); }
 
+/// The elements of an array by position.
 template <typename T>
+class OneArray {
+public:
+    explicit OneArray(const Cursor& column) : head(CursorAs<CONTAINER_ARRAY, T>(column).mHead) {}
+    auto PlaceOf(std::uint32_t position) const { return head + position; }
+
+private:
+    typename Iterator<CONTAINER_ARRAY, T>::Position head;
+};
+
+/// The same of two arrays, the second one behind the first.
+template <typename T>
+class TwoArrays {
+public:
+    TwoArrays(const Cursor& firstColumn, const Cursor& secondColumn)
+        : first(firstColumn), second(secondColumn), firstCount(firstColumn->Length())
+    {
+    }
+    auto PlaceOf(std::uint32_t position) const
+    {
+        return position < firstCount ? first.PlaceOf(position) : second.PlaceOf(position - firstCount);
+    }
+
+private:
+    OneArray<T> first;
+    OneArray<T> second;
+    std::uint32_t firstCount;
+};
+
+template <typename T, typename Elements>
+void MarkChangesOf(const Elements& elements, SortKeys::Positions positions, std::uint8_t* __restrict flags)
+{
+    constexpr std::size_t AHEAD = 16; // memory answers later than the processor looks
+    for (std::size_t i = 1; i < positions.size(); ++i) {
+        if constexpr (!std::is_same_v<T, bool>) {
+            __builtin_prefetch(elements.PlaceOf(positions[std::min(i + AHEAD, positions.size() - 1)]));
+        }
+        const bool isChange = AreDifferent<T>(*elements.PlaceOf(positions[i]), *elements.PlaceOf(positions[i - 1]));
+        flags[i] = isChange ? 1 : flags[i];
+    }
+}
+
+template <typename T, typename Elements>
 class NumberKeys final : public SortKeys {
 public:
-    explicit NumberKeys(const Cursor& column)
-        : SortKeys(std::is_floating_point_v<T> ? Kind::FLOATING_NUMBERS : Kind::NUMBERS),
-          head(CursorAs<CONTAINER_ARRAY, T>(column).mHead)
+    template <typename... Columns>
+    explicit NumberKeys(const Columns&... columns)
+        : SortKeys(std::is_floating_point_v<T> ? Kind::FLOATING_NUMBERS : Kind::NUMBERS), elements(columns...)
     {
     }
 
@@ -65,8 +109,8 @@ public:
             T lowest = std::numeric_limits<T>::max(); // narrow cells are compared many at a time
             T highest = std::numeric_limits<T>::min();
             for (std::uint32_t i = 0; i < count; ++i) {
-                lowest = std::min(lowest, head[i]);
-                highest = std::max(highest, head[i]);
+                lowest = std::min(lowest, *elements.PlaceOf(i));
+                highest = std::max(highest, *elements.PlaceOf(i));
             }
             return {KeyOf(lowest), KeyOf(highest)};
         } else {
@@ -78,18 +122,22 @@ public:
         }
     }
     std::size_t SharedBytes(Positions, std::size_t) const override { return 0; }
+    void MarkChanges(Positions positions, std::uint8_t* flags) const override
+    {
+        MarkChangesOf<T>(elements, positions, flags);
+    }
 
 private:
     std::uint64_t KeyAt(std::uint32_t position) const
     {
         if constexpr (std::is_same_v<T, bool>) {
-            return *(head + position) ? 1 : 0;
+            return *elements.PlaceOf(position) ? 1 : 0;
         } else {
-            return KeyOf(head[position]);
+            return KeyOf(*elements.PlaceOf(position));
         }
     }
 
-    typename Iterator<CONTAINER_ARRAY, T>::Position head;
+    Elements elements;
 };
 
 template <typename Word>
@@ -132,17 +180,18 @@ std::size_t SharedBytesOf(const std::string& left, const std::string& right, std
     return from + static_cast<std::size_t>(std::mismatch(begin, left.data() + end, right.data() + from).first - begin);
 }
 
+template <typename Elements>
 class TextKeys final : public SortKeys {
 public:
-    explicit TextKeys(const Cursor& column)
-        : SortKeys(Kind::TEXTS), head(CursorAs<CONTAINER_ARRAY, std::string>(column).mHead)
+    template <typename... Columns>
+    explicit TextKeys(const Columns&... columns) : SortKeys(Kind::TEXTS), elements(columns...)
     {
     }
 
     void Read(Positions positions, std::size_t offset, std::uint64_t* keys) const override
     {
         for (const std::uint32_t position : positions) {
-            const std::string& text = head[position];
+            const std::string& text = *elements.PlaceOf(position);
             *keys++ = KeyOfText(text.data() + offset, text.size() - offset);
         }
     }
@@ -150,34 +199,49 @@ public:
     std::pair<std::uint64_t, std::uint64_t> BoundsOf(std::uint32_t) const override { return {0, 0}; }
     std::size_t SharedBytes(Positions positions, std::size_t offset) const override
     {
-        const std::string& first = head[positions.front()];
+        const std::string& first = *elements.PlaceOf(positions.front());
         std::size_t shared = first.size();
         for (const std::uint32_t position : positions.subspan(1)) {
-            shared = SharedBytesOf(first, head[position], offset, shared);
+            shared = SharedBytesOf(first, *elements.PlaceOf(position), offset, shared);
         }
         return shared;
     }
+    void MarkChanges(Positions positions, std::uint8_t* flags) const override
+    {
+        MarkChangesOf<std::string>(elements, positions, flags);
+    }
 
 private:
-    const std::string* head;
+    Elements elements;
 };
 
-using Maker = std::unique_ptr<SortKeys> (*)(const Cursor& column);
-constexpr auto MAKERS = ForEachValueType([](auto number) -> Maker {
-    using T = ValueTypes::At<number()>;
+template <template <typename> class Elements, typename T, typename... Columns>
+std::unique_ptr<SortKeys> MakeKeys(const Columns&... columns)
+{
     if constexpr (std::is_same_v<T, DataFrame>) {
-        return [](const Cursor&) { return std::unique_ptr<SortKeys>(); };
+        return nullptr;
+    } else if constexpr (std::is_same_v<T, std::string>) {
+        return std::make_unique<TextKeys<Elements<T>>>(columns...);
     } else {
-        using Keys = std::conditional_t<std::is_same_v<T, std::string>, TextKeys, NumberKeys<T>>;
-        return [](const Cursor& column) -> std::unique_ptr<SortKeys> { return std::make_unique<Keys>(column); };
+        return std::make_unique<NumberKeys<T, Elements<T>>>(columns...);
     }
-});
+}
+
+constexpr auto MAKERS_FOR_ONE =
+    ForEachValueType([](auto number) { return &MakeKeys<OneArray, ValueTypes::At<number()>, Cursor>; });
+constexpr auto MAKERS_FOR_TWO =
+    ForEachValueType([](auto number) { return &MakeKeys<TwoArrays, ValueTypes::At<number()>, Cursor, Cursor>; });
 
 } // namespace
 
 std::unique_ptr<SortKeys> KeysOf(const Cursor& column)
 {
-    return MAKERS[static_cast<std::size_t>(column->GetAttr().typeId)](column);
+    return MAKERS_FOR_ONE[static_cast<std::size_t>(column->GetAttr().typeId)](column);
+}
+
+std::unique_ptr<SortKeys> KeysOf(const Cursor& first, const Cursor& second)
+{
+    return MAKERS_FOR_TWO[static_cast<std::size_t>(first->GetAttr().typeId)](first, second);
 }
 
 } // namespace MERVO::Tessera

@@ -33,6 +33,9 @@ public:
     virtual std::pair<std::uint64_t, std::uint64_t> BoundsOf(std::uint32_t count) const = 0;
     /// How many bytes all texts at some positions have in common. It is known that they share the first `offset`.
     virtual std::size_t SharedBytes(Positions positions, std::size_t offset) const = 0;
+    /// Sets flag i to 1 where the elements at positions i - 1 and i are different ones, see AreDifferent; flag 0 is
+    /// left alone.
+    virtual void MarkChanges(Positions positions, std::uint8_t* flags) const = 0;
 
     bool MayHaveNan() const { return kind == Kind::FLOATING_NUMBERS; }
     bool AreOfTexts() const { return kind == Kind::TEXTS; }
@@ -50,5 +53,7 @@ private:
 
 /// The keys of an array; null for nested tables, which have none. Throws std::bad_alloc.
 std::unique_ptr<SortKeys> KeysOf(const Cursor& column);
+/// The same of two arrays of one value type, as if the second one stood behind the first.
+std::unique_ptr<SortKeys> KeysOf(const Cursor& first, const Cursor& second);
 
 } // namespace MERVO::Tessera

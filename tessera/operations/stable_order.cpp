@@ -37,9 +37,11 @@ struct Rooms {
 /// One sort on its way.
 class StableOrder {
 public:
-    StableOrder(const SortKeys& sortKeys, bool ascending, std::uint32_t highestPosition)
+    StableOrder(const SortKeys& sortKeys, bool ascending, Positions allPositions, std::uint8_t* changeFlags)
         : keys(sortKeys), flip(ascending ? 0 : ~std::uint64_t{0}),
-          positionBits(static_cast<unsigned int>(std::bit_width(highestPosition)))
+          positionBits(
+              static_cast<unsigned int>(std::bit_width(*std::max_element(allPositions.begin(), allPositions.end())))),
+          firstPosition(allPositions.data()), flags(changeFlags)
     {
     }
 
@@ -52,10 +54,17 @@ private:
     void OrderByRadix(
         Positions positions, std::size_t offset, Rooms rooms, const KeyRange& range, unsigned int depth) const;
     void OrderWithNan(Positions positions, std::uint64_t* words) const;
-    template <typename IsSame>
-    void OrderEqualOnes(Positions positions, std::size_t offset, Rooms rooms, unsigned int depth, IsSame isSame) const;
+    template <typename IsSame, typename HasMore>
+    void OrderEqualOnes(
+        Positions positions, std::size_t offset, Rooms rooms, unsigned int depth, IsSame isSame, HasMore hasMore) const;
+    void OrderByRest(
+        Positions positions, std::size_t offset, Rooms rooms, unsigned int depth, const std::uint64_t* read) const;
 
     std::size_t SkippedBytes(Positions positions) const;
+    std::size_t SharedBytesOf(std::span<const std::uint64_t> read, const KeyRange& range) const;
+    bool IsBefore(std::uint32_t left, std::uint32_t right) const;
+    /// Notes that the element at a position differs from that before.
+    void Mark(const std::uint32_t& position) const { flags[&position - firstPosition] = 1; }
     void ReadKeys(std::span<const std::uint32_t> positions, std::size_t offset, std::uint64_t* to) const
     {
         keys.Read(positions, offset, to);
@@ -66,10 +75,16 @@ private:
     bool IsNan(std::uint64_t key) const { return keys.MayHaveNan() && (key ^ flip) == SortKeys::NAN_KEY; }
     bool IsLess(std::uint64_t left, std::uint64_t right) const { return left < right && !IsNan(left) && !IsNan(right); }
     bool GoesOn(std::uint64_t key) const { return keys.GoesOn(key ^ flip); }
+    bool AnyGoesOn(std::span<const std::uint64_t> read) const
+    {
+        return std::any_of(read.begin(), read.end(), [this](std::uint64_t key) { return GoesOn(key); });
+    }
 
     const SortKeys& keys;
     std::uint64_t flip; ///< turns the order of keys round
     unsigned int positionBits;
+    const std::uint32_t* firstPosition;
+    std::uint8_t* flags; ///< null where nobody asks
 };
 
 /// How many bytes to pass over at once, since all texts have them in common. A few of them tell whether it is worth
@@ -86,6 +101,16 @@ std::size_t StableOrder::SkippedBytes(Positions positions) const
     return areSame ? keys.SharedBytes(positions, 0) : 0;
 }
 
+/// How many of the bytes that some keys stand for all texts have in common.
+std::size_t StableOrder::SharedBytesOf(std::span<const std::uint64_t> read, const KeyRange& range) const
+{
+    std::uint64_t shortest = SortKeys::BYTES;
+    for (const std::uint64_t key : read) {
+        shortest = std::min(shortest, (key ^ flip) & 0xFF);
+    }
+    return std::min(static_cast<std::size_t>(std::countl_zero(range.varying)) / 8, static_cast<std::size_t>(shortest));
+}
+
 void StableOrder::Order(Positions positions, std::size_t offset, Rooms rooms, unsigned int depth) const
 {
     if (depth > DEEPEST) {
@@ -99,9 +124,14 @@ void StableOrder::Order(Positions positions, std::size_t offset, Rooms rooms, un
     if (keys.AreOfTexts() && depth == 0) {
         offset = SkippedBytes(positions);
     }
-    const std::uint64_t* const read = rooms.first;
+    const std::span<const std::uint64_t> read(rooms.first, positions.size());
     ReadKeys(positions, offset, rooms.first);
-    const KeyRange range({read, positions.size()});
+    KeyRange range(read);
+    if (keys.AreOfTexts() && range.varying >> 56 == 0 && range.varying != 0 && AnyGoesOn(read)) {
+        offset += SharedBytesOf(read, range);
+        ReadKeys(positions, offset, rooms.first);
+        range = KeyRange(read);
+    }
     if (IsNan(range.lowest) || IsNan(range.highest)) {
         OrderWithNan(positions, rooms.first);
     } else if (range.lowest == range.highest) {
@@ -110,24 +140,39 @@ void StableOrder::Order(Positions positions, std::size_t offset, Rooms rooms, un
         }
     } else if (!range.isSorted) {
         OrderByRadix(positions, offset, rooms, range, depth);
-    } else if (keys.AreOfTexts()) {
-        OrderEqualOnes(positions, offset + SortKeys::BYTES, rooms, depth,
-            [&](std::size_t left, std::size_t right) { return read[left] == read[right] && GoesOn(read[left]); });
+    } else {
+        OrderByRest(positions, offset, rooms, depth, read.data());
     }
 }
 
-/// Sorts each run of positions that are the same so far by what follows from `offset` on.
-template <typename IsSame>
+/// Goes through each run of positions that are the same so far, and sorts those that have more by what follows from
+/// `offset` on.
+template <typename IsSame, typename HasMore>
 void StableOrder::OrderEqualOnes(
-    Positions positions, std::size_t offset, Rooms rooms, unsigned int depth, IsSame isSame) const
+    Positions positions, std::size_t offset, Rooms rooms, unsigned int depth, IsSame isSame, HasMore hasMore) const
 {
     for (std::size_t begin = 0, end = 0; begin < positions.size(); begin = end) {
         for (end = begin + 1; end < positions.size() && isSame(begin, end);) {
             ++end;
         }
-        if (end - begin > 1) {
+        if (flags != nullptr && begin != 0) {
+            Mark(positions[begin]);
+        }
+        if (end - begin > 1 && hasMore(begin)) {
             Order(positions.subspan(begin, end - begin), offset, rooms.From(begin), depth + 1);
         }
+    }
+}
+
+/// Goes on where positions are sorted by keys that have been read.
+void StableOrder::OrderByRest(
+    Positions positions, std::size_t offset, Rooms rooms, unsigned int depth, const std::uint64_t* read) const
+{
+    if (keys.AreOfTexts() || flags != nullptr) {
+        OrderEqualOnes(
+            positions, offset + SortKeys::BYTES, rooms, depth,
+            [read](std::size_t left, std::size_t right) { return read[left] == read[right]; },
+            [this, read](std::size_t place) { return GoesOn(read[place]); });
     }
 }
 
@@ -150,18 +195,14 @@ void StableOrder::OrderFew(Positions positions, std::size_t offset, Rooms rooms,
         read[place] = key;
         positions[place] = position;
     }
-    if (keys.AreOfTexts()) {
-        OrderEqualOnes(positions, offset + SortKeys::BYTES, rooms, depth,
-            [&](std::size_t left, std::size_t right) { return read[left] == read[right] && GoesOn(read[left]); });
-    }
+    OrderByRest(positions, offset, rooms, depth, read.data());
 }
 
 void StableOrder::OrderByRadix(
     Positions positions, std::size_t offset, Rooms rooms, const KeyRange& range, unsigned int depth) const
 {
     const std::span<const std::uint64_t> read(rooms.first, positions.size());
-    const bool anyGoesOn =
-        keys.AreOfTexts() && std::any_of(read.begin(), read.end(), [this](auto key) { return GoesOn(key); });
+    const bool anyGoesOn = keys.AreOfTexts() && AnyGoesOn(read);
     const KeyPrefix prefix(range, std::min(MOST_KEY_BITS, 64 - positionBits));
     for (std::size_t begin = 0; begin < positions.size(); begin += BLOCK) {
         const std::size_t count = std::min(BLOCK, positions.size() - begin);
@@ -171,7 +212,7 @@ void StableOrder::OrderByRadix(
         }
     }
     const auto count = static_cast<std::uint32_t>(positions.size());
-    if (prefix.IsWhole() && !anyGoesOn) {
+    if (prefix.IsWhole() && !anyGoesOn && flags == nullptr) {
         SortPairs(rooms.second, rooms.first, count, positionBits, prefix.Bits(), positions.data());
         return;
     }
@@ -184,11 +225,11 @@ void StableOrder::OrderByRadix(
         return (sorted[left] ^ sorted[right]) >> positionBits == 0;
     };
     if (!prefix.IsWhole()) {
-        OrderEqualOnes(positions, offset, rooms, depth, isSamePrefix);
+        OrderEqualOnes(positions, offset, rooms, depth, isSamePrefix, [](std::size_t) { return true; });
     } else {
-        OrderEqualOnes(positions, offset + SortKeys::BYTES, rooms, depth, [&](std::size_t left, std::size_t right) {
+        OrderEqualOnes(positions, offset + SortKeys::BYTES, rooms, depth, isSamePrefix, [&](std::size_t place) {
             std::uint64_t key = 0;
-            return isSamePrefix(left, right) && (keys.Read(positions.subspan(left, 1), offset, &key), keys.GoesOn(key));
+            return anyGoesOn && (keys.Read(positions.subspan(place, 1), offset, &key), keys.GoesOn(key));
         });
     }
 }
@@ -212,29 +253,39 @@ void StableOrder::OrderWithNan(Positions positions, std::uint64_t* words) const
     }
 }
 
+bool StableOrder::IsBefore(std::uint32_t left, std::uint32_t right) const
+{
+    for (std::size_t offset = 0;; offset += SortKeys::BYTES) {
+        std::uint64_t leftKey = 0;
+        std::uint64_t rightKey = 0;
+        ReadKeys({&left, 1}, offset, &leftKey);
+        ReadKeys({&right, 1}, offset, &rightKey);
+        if (leftKey != rightKey || !GoesOn(leftKey)) {
+            return IsLess(leftKey, rightKey);
+        }
+    }
+}
+
 void StableOrder::OrderByComparison(Positions positions) const
 {
-    std::stable_sort(positions.begin(), positions.end(), [this](std::uint32_t left, std::uint32_t right) {
-        for (std::size_t offset = 0;; offset += SortKeys::BYTES) {
-            std::uint64_t leftKey = 0;
-            std::uint64_t rightKey = 0;
-            ReadKeys({&left, 1}, offset, &leftKey);
-            ReadKeys({&right, 1}, offset, &rightKey);
-            if (leftKey != rightKey || !GoesOn(leftKey)) {
-                return IsLess(leftKey, rightKey);
-            }
+    std::stable_sort(positions.begin(), positions.end(),
+        [this](std::uint32_t left, std::uint32_t right) { return IsBefore(left, right); });
+    for (std::size_t i = 1; flags != nullptr && i < positions.size(); ++i) {
+        if (IsBefore(positions[i - 1], positions[i])) {
+            Mark(positions[i]);
         }
-    });
+    }
 }
 
 } // namespace
 
-void OrderStably(const SortKeys& keys, bool ascending, std::span<std::uint32_t> positions)
+void OrderStably(
+    const SortKeys& keys, bool ascending, std::span<std::uint32_t> positions, std::span<std::uint8_t> flags)
 {
     if (positions.size() < 2) {
         return;
     }
-    const StableOrder order(keys, ascending, *std::max_element(positions.begin(), positions.end()));
+    const StableOrder order(keys, ascending, positions, flags.data());
     const std::unique_ptr<std::uint64_t[], ReleaseBlock> block(
         static_cast<std::uint64_t*>(AllocateBlock(2 * positions.size(), sizeof(std::uint64_t))));
     if (block == nullptr) {
@@ -242,6 +293,11 @@ void OrderStably(const SortKeys& keys, bool ascending, std::span<std::uint32_t> 
     } else {
         order.Order(positions, 0, {block.get(), block.get() + positions.size()}, 0);
     }
+}
+
+void OrderStably(const SortKeys& keys, bool ascending, std::span<std::uint32_t> positions)
+{
+    OrderStably(keys, ascending, positions, {});
 }
 
 } // namespace MERVO::Tessera

@@ -17,5 +17,9 @@ namespace MERVO::Tessera {
  * work is done in place, which takes longer.
  */
 void OrderStably(const SortKeys& keys, bool ascending, std::span<std::uint32_t> positions);
+/// Also sets flag i to 1 where the elements at positions i - 1 and i have different keys then. Not for floating
+/// numbers, of which those with different keys can be as good as equal.
+void OrderStably(
+    const SortKeys& keys, bool ascending, std::span<std::uint32_t> positions, std::span<std::uint8_t> flags);
 
 } // namespace MERVO::Tessera

@@ -293,8 +293,8 @@ TEST(Merge, RefusesWithACodeAndAMessage)
             "The merge key cannot be an DataFrame 1"},
         {__LINE__, shortened, good, {0}, {0}, 0, 5, "Invalid dataFrame.", "whose window is beyond the columns"},
         {__LINE__, good, shortened, {}, {}, 0, 5, "Invalid dataFrame.", "whose window is beyond the columns"},
-        {__LINE__, list, list, {0}, {0}, 0, 21, "Check param failed in binary functorErrorBinaryFunctor",
-            "set df error 21"},
+        {__LINE__, list, list, {0}, {0}, 0, 21, "Merge keys in a list",
+            "The merge key cannot be in a list, left 0, right 0"},
         {__LINE__, equal, equal, {0}, {0}, 0, 3, "too many rows for Merge", "merged table of 10000000000 rows"},
     };
     for (const Refusal& refused : cases) {
