@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <new>
 #include <numeric>
 #include <utility>
 
@@ -49,8 +50,14 @@ Error LostRows(std::uint32_t position)
 
 Cursor BaseGroups::RowsOf(const SeriesPtr& column) const
 {
-    const bool hasRows = column != nullptr && !groupBegins.empty() && groupBegins.back() <= column->Size();
-    return hasRows ? column->GetIterator(0, groupBegins.back()) : nullptr;
+    if (column == nullptr || groupBegins.empty() || groupBegins.back() > column->Size()) {
+        return nullptr;
+    }
+    Cursor rows = column->GetIterator(0, groupBegins.back());
+    if (rows == nullptr) {
+        throw std::bad_alloc();
+    }
+    return rows;
 }
 
 ErrorCode BaseGroups::ApplyToRuns(

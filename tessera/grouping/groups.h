@@ -95,7 +95,7 @@ protected:
     /// Takes each row with a flag for the first one of a group.
     void BeginGroups(const std::vector<std::uint8_t>& flags);
 
-    /// A cursor on all rows of a column. Null where it has lost some, or is none, and for want of memory.
+    /// A cursor on all rows of a column; null where it has lost some, or is none. Throws std::bad_alloc.
     Cursor RowsOf(const SeriesPtr& column) const;
     /// ApplyValue, for groups whose rows are runs.
     ErrorCode ApplyToRuns(const Func::UnaryBase& functor, const SeriesPtr& src, const SeriesPtr& dst,
