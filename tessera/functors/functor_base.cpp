@@ -35,6 +35,8 @@ Error NullaryBase::Dispatch(const Cursor& cursor, const NullaryEntry* table, std
     return KernelOutcome(entry < entryCount ? table[entry](this, cursor) : ERROR_GENERAL, *this);
 }
 
+bool UnaryBase::ReduceGroups(const Cursor&, const RowGroups&, const Cursor&) const { return false; }
+
 Error UnaryBase::Dispatch(
     const Cursor& src, const Cursor& dst, bool check, Axes axes, const UnaryEntry* table, std::size_t entryCount) const
 {

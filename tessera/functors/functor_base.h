@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 
 #include "tessera/core/error.h"
@@ -46,6 +47,16 @@ protected:
     Error Dispatch(const Cursor& cursor, const NullaryEntry* table, std::size_t entryCount) const;
 };
 
+/// A column's rows in groups, wherever they lie in it. There are groups, and none is empty.
+struct RowGroups {
+    const std::uint32_t* groupOfRow;       ///< for each row
+    const std::uint32_t* firstRows;        ///< for each group
+    std::span<const std::uint32_t> begins; ///< rows of the groups before each one, and of all of them at the end
+
+    std::uint32_t Count() const { return static_cast<std::uint32_t>(begins.size() - 1); }
+    std::uint32_t SizeOf(std::uint32_t group) const { return begins[group + 1] - begins[group]; }
+};
+
 /// A functor from one source to a destination.
 class TESSERA_API UnaryBase : public FunctorBase {
 public:
@@ -59,6 +70,14 @@ public:
     /// What the destination must be, asked before it exists.
     virtual SeriesAttr GetDstAttr(const Cursor& src) const = 0;
     virtual bool CheckParams(const Cursor& src, const Cursor& dst) const = 0;
+    /**
+     * Reduces each group of rows to a cell, while it goes over the rows as they lie: cell g becomes, bit for bit, what
+     * a run on the rows of group g alone, in their order, makes of them. Whoever overrides ProcessSeries of a functor
+     * with such a form overrides this too.
+     * @return false, and nothing is written, where the functor has no such form for these columns, as most have none:
+     *         then it is run on each group. Throws std::bad_alloc.
+     */
+    virtual bool ReduceGroups(const Cursor& src, const RowGroups& groups, const Cursor& dst) const;
 
 protected:
     /// Which cursor's value type picks the table's row and column.

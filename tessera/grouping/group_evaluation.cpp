@@ -9,6 +9,7 @@
 #include "tessera/functors/copy_series.h"
 #include "tessera/functors/functor_factory.h"
 #include "tessera/functors/table_combination.h"
+#include "tessera/grouping/group_results.h"
 #include "tessera/grouping/group_runs.h"
 #include "tessera/grouping/group_transform.h"
 #include "tessera/grouping/groups.h"
@@ -19,12 +20,6 @@ namespace {
 using Func::FailedTable;
 using Positions = std::vector<std::uint32_t>;
 using Functors = Func::FunctorSlots<Func::UnaryBase>;
-
-DataFrame Refuse(const char* text)
-{
-    LogError("%s", text);
-    return FailedTable(ERROR_BAD_KIND, text);
-}
 
 DataFrame TableOf(const Error& failure) { return FailedTable(failure.code, failure.message); }
 
@@ -50,23 +45,6 @@ Error LostRows(std::uint32_t position)
     return {ERROR_BAD_VALUE, "a column is short of rows of the groups"};
 }
 
-/// Tells the log, and gives the failure, of a functor that asks for another container than the column's.
-Error ContainerChange(const Functors& functors, ContainerID from, ContainerID to, const char* text)
-{
-    LogError("Functor %s should not change the container type %d to %d", functors.Name().c_str(),
-        static_cast<int>(from), static_cast<int>(to));
-    return {ERROR_BAD_KIND, text};
-}
-
-/// Builds a column; code 3 where its block could not be had.
-ErrorCode Build(const SeriesAttr& attr, const std::string& name, SeriesPtr& result)
-{
-    result = BuildSeries(attr, name);
-    const bool hasFailed =
-        result->GetTypeId() == TESSERA_INVALID ? IsValueType(attr.typeId) : result->GetIterator() == nullptr;
-    return hasFailed ? ERROR_OUT_OF_MEMORY : ERROR_NONE;
-}
-
 } // namespace
 
 Cursor BaseGroups::RowsOf(const SeriesPtr& column) const
@@ -74,6 +52,8 @@ Cursor BaseGroups::RowsOf(const SeriesPtr& column) const
     const bool hasRows = column != nullptr && !groupBegins.empty() && groupBegins.back() <= column->Size();
     return hasRows ? column->GetIterator(0, groupBegins.back()) : nullptr;
 }
+
+Cursor BaseGroups::RowsToAsk(const SeriesPtr& column) const { return RowsOf(column); }
 
 ErrorCode BaseGroups::ApplyToRuns(
     const Func::UnaryBase& functor, const SeriesPtr& src, const SeriesPtr& dst, const Positions& dstBegin) const
@@ -104,15 +84,19 @@ Positions BaseGroups::FindDstBegins(const UnaryFactory& creator, unsigned int& t
         return begins;
     }
     const SeriesPtr& first = columns->front();
-    const Cursor rows = RowsOf(first);
-    if (rows == nullptr) {
+    const Cursor asked = RowsToAsk(first);
+    if (asked == nullptr) {
         return begins;
     }
     Functors functors(creator);
     const Func::UnaryBase& functor = functors.For(Func::ContainerOf(first));
-    if (functor.GetDstAttr(rows).length == 1) {
+    if (functor.GetDstAttr(asked).length == 1) {
         std::iota(begins.begin(), begins.end(), 0U);
         total = groupCount;
+        return begins;
+    }
+    const Cursor rows = RowsOf(first);
+    if (rows == nullptr) {
         return begins;
     }
     MovingPart group(rows);
@@ -136,7 +120,7 @@ DataFrame BaseGroups::Apply(const Creators& creators) const
             return FailedTable(ERROR_BAD_KIND, "Empty groups do not support apply operation");
         }
         if (creators.size() != 1 && (creators.empty() || creators.size() + keyColumns.size() != columns->size())) {
-            return Refuse("Invalid creators number");
+            return RefuseGroups("Invalid creators number");
         }
         unsigned int total = 0;
         Positions dstBegin = FindDstBegins(creators.front(), total);
@@ -144,7 +128,7 @@ DataFrame BaseGroups::Apply(const Creators& creators) const
             unsigned int other = 0;
             dstBegin = FindDstBegins(creators[i], other);
             if (other != total) {
-                return Refuse("Invalid creators");
+                return RefuseGroups("Invalid creators");
             }
         }
         return ApplyInner(creators, dstBegin, total);
@@ -152,35 +136,38 @@ DataFrame BaseGroups::Apply(const Creators& creators) const
 }
 
 Error BaseGroups::ApplyColumn(
-    const UnaryFactory& creator, std::uint32_t position, bool isKey, const Positions& dstBegin, SeriesPtr& result) const
+    const UnaryFactory& creator, std::uint32_t position, const Positions& dstBegin, SeriesPtr& result) const
 {
     const SeriesPtr& column = (*columns)[position];
     const Cursor rows = RowsOf(column);
     if (rows == nullptr) {
         return LostRows(position);
     }
-    Functors functors(creator);
-    const Func::UnaryBase& functor = functors.For(Func::ContainerOf(column));
-    const SeriesAttr asked = functor.GetDstAttr(rows);
-    const SeriesAttr attr = isKey ? column->GetAttr() : asked;
-    if (attr.containerId != column->GetAttr().containerId) {
-        return ContainerChange(functors, column->GetAttr().containerId, attr.containerId, "container type is changed");
+    const auto run = [&](const Func::UnaryBase& functor, const SeriesPtr& results) {
+        return ApplyValue(functor, column, results, dstBegin);
+    };
+    return EvaluateColumn(creator, {rows, column->GetName(), position}, dstBegin.back(), APPLY_TEXTS, run, result);
+}
+
+Error BaseGroups::RepeatKey(
+    const UnaryFactory& creator, std::uint32_t position, const Positions& dstBegin, SeriesPtr& result) const
+{
+    const SeriesPtr& column = (*columns)[position];
+    const Cursor rows = RowsToAsk(column);
+    if (rows == nullptr) {
+        return LostRows(position);
     }
-    ErrorCode code = Build(WithLength(attr, dstBegin.back()), column->GetName(), result);
+    const bool isSingle = Functors(creator).For(Func::ContainerOf(column)).GetDstAttr(rows).length == 1;
+    ErrorCode code = BuildColumn(WithLength(column->GetAttr(), dstBegin.back()), column->GetName(), result);
     if (code == ERROR_NONE) {
-        code = isKey ? ApplyKey(column, result, dstBegin, asked.length == 1)
-                     : ApplyValue(functor, column, result, dstBegin);
+        code = ApplyKey(column, result, dstBegin, isSingle);
     }
-    if (code == ERROR_NONE) {
-        return {};
-    }
-    if (isKey) {
+    if (code != ERROR_NONE) {
         LogError("Apply key value failed, column index is %d, column name is %s", static_cast<int>(position),
             column->GetName().c_str());
         return {code, "Apply key column's value failed"};
     }
-    LogError("Execute functor %s on index %d failed", functors.Name().c_str(), static_cast<int>(position));
-    return {code, "Failed to execute functor"};
+    return {};
 }
 
 DataFrame BaseGroups::ApplyInner(const Creators& creators, const Positions& dstBegin, unsigned int total) const
@@ -188,7 +175,7 @@ DataFrame BaseGroups::ApplyInner(const Creators& creators, const Positions& dstB
     return Func::GuardedTable("Apply", [&] {
         const bool fits = dstBegin.size() == groupCount + std::size_t{1} && dstBegin.back() == total;
         if (creators.empty() || columns == nullptr || !fits) {
-            return Refuse("Invalid creators");
+            return RefuseGroups("Invalid creators");
         }
         Columns results(columns->size());
         KeyWalk keys(keyColumns);
@@ -196,10 +183,11 @@ DataFrame BaseGroups::ApplyInner(const Creators& creators, const Positions& dstB
         for (std::uint32_t c = 0; c < results.size(); ++c) {
             const bool isKey = keys.IsKey(c);
             if (creator == creators.size() && !isKey) {
-                return Refuse("Invalid creators number"); // a key that counts as a value has none
+                return RefuseGroups("Invalid creators number"); // a key that counts as a value has none
             }
             const UnaryFactory& present = creators[std::min(creator, creators.size() - 1)];
-            const Error outcome = ApplyColumn(present, c, isKey, dstBegin, results[c]);
+            const Error outcome =
+                isKey ? RepeatKey(present, c, dstBegin, results[c]) : ApplyColumn(present, c, dstBegin, results[c]);
             if (outcome.code != ERROR_NONE) {
                 return TableOf(outcome);
             }
@@ -218,25 +206,18 @@ Error BaseGroups::TransformColumn(const UnaryFactory& creator, std::uint32_t pos
     if (rows == nullptr) {
         return LostRows(position);
     }
-    Functors functors(creator);
-    const ContainerID container = column->GetAttr().containerId;
-    const Func::UnaryBase& functor = functors.For(container);
-    const SeriesAttr attr = functor.GetDstAttr(rows);
-    if (attr.containerId != container) {
-        return ContainerChange(functors, container, attr.containerId, "the container type is changed");
-    }
     Positions each(groupBegins.size());
     std::iota(each.begin(), each.end(), 0U);
+    const auto run = [&](const Func::UnaryBase& functor, const SeriesPtr& results) {
+        return ApplyValue(functor, column, results, each);
+    };
     SeriesPtr values;
-    ErrorCode code = Build(WithLength(attr, groupCount), {}, values);
-    if (code == ERROR_NONE) {
-        code = ApplyValue(functor, column, values, each);
+    Error outcome =
+        EvaluateColumn(creator, {rows, column->GetName(), position}, groupCount, TRANSFORM_TEXTS, run, values);
+    if (outcome.code != ERROR_NONE) {
+        return outcome;
     }
-    if (code != ERROR_NONE) {
-        LogError("Failed to execute functor %s on index %d", functors.Name().c_str(), static_cast<int>(position));
-        return {code, "Failed to execute functor"};
-    }
-    code = Build(WithLength(attr, groupBegins.back()), column->GetName(), result);
+    ErrorCode code = BuildColumn(WithLength(values->GetAttr(), groupBegins.back()), column->GetName(), result);
     if (code == ERROR_NONE) {
         using Spreading = Func::GroupTransform<CONTAINER_ARRAY, const Positions&>;
         code = Spreading(groupBegins).ProcessSeries(values->GetIterator(), result->GetIterator(), true).code;
@@ -253,13 +234,12 @@ DataFrame BaseGroups::Transform(const UnaryFactory& creator) const
 {
     return Func::GuardedTable("Transform", [&] {
         if (groupCount == 0) {
-            return Refuse("Empty groups do not support apply operation");
+            return RefuseGroups("Empty groups do not support apply operation");
         }
         unsigned int total = 0;
         static_cast<void>(FindDstBegins(creator, total));
         if (total != groupCount) {
-            return Refuse("Transform with the input functor is forbbiden, since the dst series size is not equal to "
-                          "sample number");
+            return RefuseGroups(TRANSFORM_REFUSAL);
         }
         auto results = std::make_shared<Columns>(columns->size());
         KeyWalk keys(keyColumns);
@@ -298,7 +278,7 @@ SeriesPtr BaseGroups::CopyBaseSeriesP(const SeriesPtr& column) const
 {
     SeriesPtr copy;
     const ErrorCode code = column == nullptr ? ERROR_BAD_VALUE : Guarded("CopyBaseSeriesP", [&] {
-        const ErrorCode built = Build(column->GetAttr(), column->GetName(), copy);
+        const ErrorCode built = BuildColumn(column->GetAttr(), column->GetName(), copy);
         return built != ERROR_NONE
             ? built
             : Func::CopySeries<CONTAINER_ARRAY>().ProcessSeries(column->GetIterator(), copy->GetIterator(), true).code;

@@ -100,9 +100,11 @@ protected:
     /// ApplyValue, for groups whose rows are runs.
     ErrorCode ApplyToRuns(const Func::UnaryBase& functor, const SeriesPtr& src, const SeriesPtr& dst,
         const std::vector<std::uint32_t>& dstBegin) const;
-    /// Puts the first row of each group into all rows of the group's results.
+    /// A cursor by which functors tell the length of their results: that of RowsOf, unless the rows are not made yet.
+    virtual Cursor RowsToAsk(const SeriesPtr& column) const;
+    /// Puts the first row of each group into all rows of the group's results, or into a single one.
     ErrorCode SelectFirstRows(
-        const SeriesPtr& src, const SeriesPtr& dst, const std::vector<std::uint32_t>& dstBegin) const;
+        const SeriesPtr& src, const SeriesPtr& dst, const std::vector<std::uint32_t>& dstBegin, bool single) const;
     void ShowGroups() const;
 
     std::vector<std::uint32_t> rowOrder;
@@ -115,8 +117,10 @@ protected:
 private:
     DataFrame CopyRows(unsigned int group, std::span<const std::uint32_t> positions) const;
     std::vector<std::uint32_t> FindDstBegins(const UnaryFactory& creator, unsigned int& total) const;
-    Error ApplyColumn(const UnaryFactory& creator, std::uint32_t position, bool isKey,
-        const std::vector<std::uint32_t>& dstBegin, SeriesPtr& result) const;
+    Error ApplyColumn(const UnaryFactory& creator, std::uint32_t position, const std::vector<std::uint32_t>& dstBegin,
+        SeriesPtr& result) const;
+    Error RepeatKey(const UnaryFactory& creator, std::uint32_t position, const std::vector<std::uint32_t>& dstBegin,
+        SeriesPtr& result) const;
     Error TransformColumn(const UnaryFactory& creator, std::uint32_t position, SeriesPtr& result) const;
 };
 

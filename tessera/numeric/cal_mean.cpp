@@ -12,20 +12,20 @@ namespace {
 /// A sum and what it is divided by.
 struct Fraction {
     double total;
-    double count;
+    std::uint32_t count;
 };
 
 template <typename T, typename Position>
 Fraction FractionOf(Position head, Position tail, bool skipNan)
 {
-    const auto length = static_cast<double>(tail - head);
+    const auto length = static_cast<std::uint32_t>(tail - head);
     if constexpr (std::is_same_v<T, bool>) {
         return {static_cast<double>(CountTrue(head, tail)), length};
     } else if constexpr (std::is_integral_v<T>) {
         return {SumOfIntegers(0.0, head, tail), length};
     } else if (skipNan) {
         const PresentSum sum = SumOfPresent(head, tail);
-        return {WithPlainNan(sum.total), static_cast<double>(sum.count)};
+        return {WithPlainNan(sum.total), sum.count};
     } else {
         return {SumOfReals<double>(head, tail), length};
     }
@@ -34,13 +34,12 @@ Fraction FractionOf(Position head, Position tail, bool skipNan)
 template <typename T>
 double MeanOf(const Cursor& column, bool skipNan)
 {
-    constexpr double NOTHING = std::numeric_limits<double>::quiet_NaN();
     if constexpr (Arithmetic<T>) {
         const Fraction mean =
             WithPlaces<T>(column, [skipNan](auto head, auto tail) { return FractionOf<T>(head, tail, skipNan); });
-        return mean.count == 0.0 ? NOTHING : mean.total / mean.count;
+        return MeanFrom(mean.total, mean.count);
     } else {
-        return NOTHING;
+        return std::numeric_limits<double>::quiet_NaN();
     }
 }
 
@@ -49,6 +48,11 @@ using MeanEntry = double (*)(const Cursor& column, bool skipNan);
 constexpr auto MEANS = ForEachValueType([](auto number) -> MeanEntry { return &MeanOf<ValueTypes::At<number()>>; });
 
 } // namespace
+
+double MeanFrom(double total, std::uint32_t count)
+{
+    return count == 0 ? std::numeric_limits<double>::quiet_NaN() : total / static_cast<double>(count);
+}
 
 double CalMean(const Cursor& column, bool skipNan)
 {

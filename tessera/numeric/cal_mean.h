@@ -11,4 +11,7 @@ namespace MERVO::Tessera::Func {
  */
 double CalMean(const Cursor& column, bool skipNan);
 
+/// The mean of elements that add up to a total; quiet NaN for none.
+double MeanFrom(double total, std::uint32_t count);
+
 } // namespace MERVO::Tessera::Func

@@ -9,26 +9,19 @@
 
 #include "tessera/core/bit_scan.h"
 #include "tessera/core/linked_list.h"
+#include "tessera/numeric/plain_nan.h"
 
 namespace MERVO::Tessera::Func {
 
-/**
- * The NaN that a sum ends in: the first one met, made quiet, or the one that infinities of both signs make.
- *
- * Machines disagree on the sign of a NaN that an addition makes, and on which of two NaNs an addition keeps.
- */
+/// The NaN that a sum ends in; see AddTerm.
 template <typename Total, typename Position>
 Total NanOfSum(Position head, Position tail)
 {
     Total total{0};
     for (; head != tail && total == total; ++head) {
-        const auto value = static_cast<Total>(*head);
-        if (value != value) {
-            return value + Total{0};
-        }
-        total += value;
+        AddTerm(total, static_cast<Total>(*head));
     }
-    return std::numeric_limits<Total>::quiet_NaN();
+    return total;
 }
 
 /// Adds floats or doubles from the first to the last, each converted to Total before. NaN goes through to the result.

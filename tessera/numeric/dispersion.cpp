@@ -1,8 +1,10 @@
 #include "tessera/numeric/dispersion.h"
 
 #include <cmath>
+#include <vector>
 
 #include "tessera/numeric/deviations.h"
+#include "tessera/numeric/group_sums.h"
 #include "tessera/numeric/reduction_result.h"
 
 namespace MERVO::Tessera::Func {
@@ -14,24 +16,65 @@ double SumOfSquares(const Cursor& src, Real mean)
     return SumOverDeviations(src, mean, [](double deviation) { return deviation * deviation; });
 }
 
+/// A measure of spread, made of what one or two passes over n elements give.
 template <typename Real>
-[[gnu::noinline]] ErrorCode StoreVariance(const Cursor& src, const Cursor& dst, std::uint32_t ddof)
+using SpreadFrom = Real (*)(double squares, Real mean, std::uint32_t n, std::uint32_t lostDegrees);
+
+template <typename Real>
+Real VarianceFrom(double squares, Real mean, std::uint32_t n, std::uint32_t lostDegrees)
 {
-    const Real mean = MeanOfShares<Real>(src);
-    const double freedom = static_cast<double>(src->Length()) - static_cast<double>(ddof);
-    return StoreResult(dst, NarrowStatistic(SumOfSquares(src, mean) / freedom, mean));
+    return NarrowStatistic(squares / (static_cast<double>(n) - static_cast<double>(lostDegrees)), mean);
 }
 
 template <typename Real>
-[[gnu::noinline]] ErrorCode StoreDeviation(const Cursor& src, const Cursor& dst, std::uint32_t ddof)
+Real DeviationFrom(double squares, Real mean, std::uint32_t n, std::uint32_t lostDegrees)
 {
-    const std::uint32_t freedom = src->Length() - ddof;
-    if (freedom == 0) {
-        return StoreResult(dst, std::numeric_limits<Real>::quiet_NaN());
-    }
+    const std::uint32_t freedom = n - lostDegrees;
+    return freedom == 0 ? std::numeric_limits<Real>::quiet_NaN()
+                        : NarrowStatistic(std::sqrt(squares / static_cast<double>(freedom)), mean);
+}
+
+template <typename Real>
+[[gnu::noinline]] ErrorCode StoreSpread(
+    const Cursor& src, const Cursor& dst, SpreadFrom<Real> spreadFrom, std::uint32_t lostDegrees)
+{
     const Real mean = MeanOfShares<Real>(src);
-    const double variance = SumOfSquares(src, mean) / static_cast<double>(freedom);
-    return StoreResult(dst, NarrowStatistic(std::sqrt(variance), mean));
+    return StoreResult(dst, spreadFrom(SumOfSquares(src, mean), mean, src->Length(), lostDegrees));
+}
+
+/// A group on the way through the two passes.
+template <typename Real>
+struct Spread {
+    Real mean{0};
+    Real length{0};
+    double squares = 0.0;
+};
+
+template <typename Real>
+bool StoreSpreadsOfGroups(const Cursor& src, const RowGroups& groups, const Cursor& dst, SpreadFrom<Real> spreadFrom,
+    std::uint32_t lostDegrees)
+{
+    if (!HasCells(src, groups, dst, TYPE_ID_OF<Real>)) {
+        return false;
+    }
+    std::vector<Spread<Real>> spreads(groups.Count());
+    for (std::uint32_t g = 0; g < groups.Count(); ++g) {
+        spreads[g].length = static_cast<Real>(groups.SizeOf(g));
+    }
+    ForEachInGroups<Real>(src, groups, [&spreads](Real value, std::uint32_t group) {
+        Spread<Real>& spread = spreads[group];
+        AddTerm(spread.mean, value / spread.length);
+    });
+    ForEachInGroups<Real>(src, groups, [&spreads](Real value, std::uint32_t group) {
+        Spread<Real>& spread = spreads[group];
+        const auto deviation = static_cast<double>(value - spread.mean);
+        spread.squares += deviation * deviation;
+    });
+    Real* const cells = CursorAs<CONTAINER_ARRAY, Real>(dst).mHead;
+    for (std::uint32_t g = 0; g < groups.Count(); ++g) {
+        cells[g] = spreadFrom(spreads[g].squares, spreads[g].mean, groups.SizeOf(g), lostDegrees);
+    }
+    return true;
 }
 
 } // namespace
@@ -43,11 +86,19 @@ std::string VarBase<CID>::GetName() const
 }
 
 template <ContainerID CID>
+bool VarBase<CID>::ReduceGroups(const Cursor& src, const RowGroups& groups, const Cursor& dst) const
+{
+    return src->GetAttr().typeId == TESSERA_FLOAT
+        ? StoreSpreadsOfGroups<float>(src, groups, dst, &VarianceFrom<float>, lostDegrees)
+        : StoreSpreadsOfGroups<double>(src, groups, dst, &VarianceFrom<double>, lostDegrees);
+}
+
+template <ContainerID CID>
 template <typename T, typename>
 ErrorCode VarBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
 {
     if constexpr (Arithmetic<T>) {
-        return StoreVariance<RealOf<T>>(src, dst, lostDegrees);
+        return StoreSpread<RealOf<T>>(src, dst, &VarianceFrom<RealOf<T>>, lostDegrees);
     } else {
         return ERROR_GENERAL;
     }
@@ -60,11 +111,19 @@ std::string StdBase<CID>::GetName() const
 }
 
 template <ContainerID CID>
+bool StdBase<CID>::ReduceGroups(const Cursor& src, const RowGroups& groups, const Cursor& dst) const
+{
+    return src->GetAttr().typeId == TESSERA_FLOAT
+        ? StoreSpreadsOfGroups<float>(src, groups, dst, &DeviationFrom<float>, lostDegrees)
+        : StoreSpreadsOfGroups<double>(src, groups, dst, &DeviationFrom<double>, lostDegrees);
+}
+
+template <ContainerID CID>
 template <typename T, typename>
 ErrorCode StdBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
 {
     if constexpr (Arithmetic<T>) {
-        return StoreDeviation<RealOf<T>>(src, dst, lostDegrees);
+        return StoreSpread<RealOf<T>>(src, dst, &DeviationFrom<RealOf<T>>, lostDegrees);
     } else {
         return ERROR_GENERAL;
     }

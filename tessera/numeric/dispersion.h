@@ -11,6 +11,7 @@ public:
     explicit VarBase(std::uint32_t ddof) : lostDegrees(ddof) {}
 
     std::string GetName() const override;
+    bool ReduceGroups(const Cursor& src, const RowGroups& groups, const Cursor& dst) const override;
     template <typename T, typename>
     ErrorCode OnExecute(const Cursor& src, const Cursor& dst) const;
 
@@ -39,6 +40,7 @@ public:
     explicit StdBase(std::uint32_t ddof = 1) : lostDegrees(ddof) {}
 
     std::string GetName() const override;
+    bool ReduceGroups(const Cursor& src, const RowGroups& groups, const Cursor& dst) const override;
     template <typename T, typename>
     ErrorCode OnExecute(const Cursor& src, const Cursor& dst) const;
 

@@ -2,6 +2,7 @@
 
 #include "tessera/functors/element_walk.h"
 #include "tessera/numeric/first_best.h"
+#include "tessera/numeric/group_sums.h"
 #include "tessera/numeric/plain_nan.h"
 #include "tessera/numeric/reduction_result.h"
 
@@ -28,6 +29,45 @@ ErrorCode StoreFirstBest(const Cursor& src, const Cursor& dst, Better better)
 {
     return WithFirst<T>(
         src, [&dst, better](auto head, auto tail) { return StoreResult<T>(dst, *FirstBest(head, tail, better)); });
+}
+
+template <typename T, typename Better>
+void StoreBestOfGroups(const Cursor& src, const RowGroups& groups, const Cursor& dst)
+{
+    constexpr Better BETTER{};
+    const T* const head = CursorAs<CONTAINER_ARRAY, T>(src).mHead;
+    const T* const tail = CursorAs<CONTAINER_ARRAY, T>(src).mTail;
+    T* const best = CursorAs<CONTAINER_ARRAY, T>(dst).mHead;
+    for (std::uint32_t g = 0; g < groups.Count(); ++g) {
+        best[g] = head[groups.firstRows[g]];
+    }
+    const std::uint32_t* group = groups.groupOfRow;
+    for (const T* value = head; value != tail; ++value, ++group) {
+        best[*group] = BETTER(*value, best[*group]) ? *value : best[*group];
+    }
+}
+
+using GroupsEntry = void (*)(const Cursor& src, const RowGroups& groups, const Cursor& dst);
+
+/// Serves arrays of numbers.
+template <typename Better>
+bool ReduceToBest(const Cursor& src, const RowGroups& groups, const Cursor& dst)
+{
+    constexpr auto ENTRIES = ForEachValueType([](auto number) -> GroupsEntry {
+        using T = ValueTypes::At<number()>;
+        if constexpr (Arithmetic<T> && !std::is_same_v<T, bool>) {
+            return &StoreBestOfGroups<T, Better>;
+        } else {
+            return nullptr;
+        }
+    });
+    const MERVO_TESSERA_TYPEID type = src->GetAttr().typeId;
+    const GroupsEntry entry = HasCells(src, groups, dst, type) ? ENTRIES[static_cast<std::size_t>(type)] : nullptr;
+    if (entry == nullptr) {
+        return false;
+    }
+    entry(src, groups, dst);
+    return true;
 }
 
 template <typename T>
@@ -93,6 +133,12 @@ std::string Max<CID>::GetName() const
 }
 
 template <ContainerID CID>
+bool Max<CID>::ReduceGroups(const Cursor& src, const RowGroups& groups, const Cursor& dst) const
+{
+    return ReduceToBest<IsGreater>(src, groups, dst);
+}
+
+template <ContainerID CID>
 template <typename T, typename>
 ErrorCode Max<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
 {
@@ -107,6 +153,12 @@ template <ContainerID CID>
 std::string Min<CID>::GetName() const
 {
     return "Min";
+}
+
+template <ContainerID CID>
+bool Min<CID>::ReduceGroups(const Cursor& src, const RowGroups& groups, const Cursor& dst) const
+{
+    return ReduceToBest<IsLess>(src, groups, dst);
 }
 
 template <ContainerID CID>

@@ -16,6 +16,7 @@ public:
     static constexpr bool kDestinationAltersKernel = false;
 
     std::string GetName() const override;
+    bool ReduceGroups(const Cursor& src, const RowGroups& groups, const Cursor& dst) const override;
     template <typename T, typename>
     ErrorCode OnExecute(const Cursor& src, const Cursor& dst) const;
 };
@@ -27,6 +28,7 @@ public:
     static constexpr bool kDestinationAltersKernel = false;
 
     std::string GetName() const override;
+    bool ReduceGroups(const Cursor& src, const RowGroups& groups, const Cursor& dst) const override;
     template <typename T, typename>
     ErrorCode OnExecute(const Cursor& src, const Cursor& dst) const;
 };

@@ -1,8 +1,11 @@
 #include "tessera/numeric/mean.h"
 
+#include <vector>
+
 #include "tessera/core/date_time.h"
 #include "tessera/functors/element_walk.h"
 #include "tessera/numeric/cal_mean.h"
+#include "tessera/numeric/group_sums.h"
 #include "tessera/numeric/reduction_result.h"
 
 namespace MERVO::Tessera::Func {
@@ -35,6 +38,28 @@ auto MeanOf([[maybe_unused]] const Cursor& src, [[maybe_unused]] bool skipNan)
 template <typename T>
 using MeanResult = decltype(MeanOf<T>(nullptr, true));
 
+template <typename Real>
+bool StoreMeansOfGroups(const Cursor& src, const RowGroups& groups, const Cursor& dst)
+{
+    if (!HasCells(src, groups, dst, TYPE_ID_OF<Real>)) {
+        return false;
+    }
+    std::vector<double> totals(groups.Count());
+    std::vector<std::uint32_t> missing(groups.Count());
+    ForEachInGroups<Real>(src, groups, [&totals, &missing](Real value, std::uint32_t group) {
+        if (value == value) [[likely]] {
+            totals[group] += static_cast<double>(value);
+        } else {
+            ++missing[group];
+        }
+    });
+    Real* const means = CursorAs<CONTAINER_ARRAY, Real>(dst).mHead;
+    for (std::uint32_t g = 0; g < groups.Count(); ++g) {
+        means[g] = static_cast<Real>(MeanFrom(WithPlainNan(totals[g]), groups.SizeOf(g) - missing[g]));
+    }
+    return true;
+}
+
 constexpr ResultTypes RESULT_TYPES =
     ForEachValueType([](auto number) { return TYPE_ID_OF<MeanResult<ValueTypes::At<number()>>>; });
 
@@ -56,6 +81,14 @@ template <ContainerID CID>
 bool Mean<CID>::CheckParams(const Cursor& src, const Cursor& dst) const
 {
     return IsResultAttr(src, dst, RESULT_TYPES);
+}
+
+template <ContainerID CID>
+bool Mean<CID>::ReduceGroups(const Cursor& src, const RowGroups& groups, const Cursor& dst) const
+{
+    return skipNan &&
+        (src->GetAttr().typeId == TESSERA_FLOAT ? StoreMeansOfGroups<float>(src, groups, dst)
+                                                : StoreMeansOfGroups<double>(src, groups, dst));
 }
 
 template <ContainerID CID>

@@ -20,6 +20,7 @@ public:
     std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& src) const override;
     bool CheckParams(const Cursor& src, const Cursor& dst) const override;
+    bool ReduceGroups(const Cursor& src, const RowGroups& groups, const Cursor& dst) const override;
     template <typename T, typename>
     ErrorCode OnExecute(const Cursor& src, const Cursor& dst) const;
 

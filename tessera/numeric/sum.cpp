@@ -1,8 +1,11 @@
 #include "tessera/numeric/sum.h"
 
+#include <algorithm>
+
 #include "tessera/core/date_time.h"
 #include "tessera/functors/element_walk.h"
 #include "tessera/numeric/column_sums.h"
+#include "tessera/numeric/group_sums.h"
 #include "tessera/numeric/reduction_result.h"
 
 namespace MERVO::Tessera::Func {
@@ -38,6 +41,19 @@ auto SumOf(Position head, Position tail)
 template <typename T>
 using SumResult = decltype(SumOf<T>(ListPosition<T>(), ListPosition<T>()));
 
+/// The totals grow in the cells themselves.
+template <typename Real>
+bool StoreSumsOfGroups(const Cursor& src, const RowGroups& groups, const Cursor& dst)
+{
+    if (!HasCells(src, groups, dst, TYPE_ID_OF<Real>)) {
+        return false;
+    }
+    Real* const totals = CursorAs<CONTAINER_ARRAY, Real>(dst).mHead;
+    std::fill_n(totals, groups.Count(), Real{0});
+    AddGroups(src, groups, totals);
+    return true;
+}
+
 constexpr ResultTypes RESULT_TYPES =
     ForEachValueType([](auto number) { return TYPE_ID_OF<SumResult<ValueTypes::At<number()>>>; });
 
@@ -59,6 +75,14 @@ template <ContainerID CID>
 bool Sum<CID>::CheckParams(const Cursor& src, const Cursor& dst) const
 {
     return IsResultAttr(src, dst, RESULT_TYPES);
+}
+
+template <ContainerID CID>
+bool Sum<CID>::ReduceGroups(const Cursor& src, const RowGroups& groups, const Cursor& dst) const
+{
+    return src->GetAttr().typeId == TESSERA_FLOAT
+        ? StoreSumsOfGroups<float>(src, groups, dst)
+        : StoreSumsOfGroups<double>(src, groups, dst); // a count of bools has no such cells
 }
 
 template <ContainerID CID>

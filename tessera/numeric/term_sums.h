@@ -6,6 +6,7 @@
 #include <span>
 #include <type_traits>
 
+#include "tessera/numeric/plain_nan.h"
 #include "tessera/numeric/real_runs.h"
 
 /**
@@ -82,30 +83,18 @@ std::uint32_t CountNan(std::span<const Real> values)
     return static_cast<std::uint32_t>(count);
 }
 
-/**
- * The NaN that a column's sum of terms ends in: that of the first element whose term is NaN, made quiet, or the one
- * that infinities of both signs make.
- *
- * Machines disagree on the sign of a NaN that an addition makes, and on which of two NaNs an addition keeps.
- */
+/// The NaN that a column's sum of terms ends in; see AddTerm.
 template <typename Real, typename Term>
 Real NanOfTerms(const Cursor& column, Term term)
 {
     Real total{0};
     RealRuns<Real> runs(column);
-    for (auto run = runs.Next(); !run.empty(); run = runs.Next()) {
+    for (auto run = runs.Next(); !run.empty() && total == total; run = runs.Next()) {
         for (const Real value : run) {
-            const Real present = term(value);
-            if (present != present) {
-                return present + Real{0};
-            }
-            total += present;
-            if (total != total) {
-                return std::numeric_limits<Real>::quiet_NaN();
-            }
+            AddTerm(total, term(value));
         }
     }
-    return std::numeric_limits<Real>::quiet_NaN();
+    return total == total ? std::numeric_limits<Real>::quiet_NaN() : total;
 }
 
 } // namespace MERVO::Tessera::Func
