@@ -70,8 +70,9 @@ Error Samples::BuildLabels(const SeriesPtr& times, SeriesPtr& result) const
     return {};
 }
 
-/// Fills the column with the sample rows of the one at a position, or with the windows' labels.
-Error Samples::BuildColumn(std::uint32_t position, SeriesPtr& result) const
+/// Fills the column with the sample rows of the one at a position, or with the windows' labels. `isWhole`: no window is
+/// empty.
+Error Samples::BuildColumn(std::uint32_t position, bool isWhole, SeriesPtr& result) const
 {
     const SeriesPtr& source = (*columns)[position];
     if (source == nullptr) {
@@ -87,7 +88,7 @@ Error Samples::BuildColumn(std::uint32_t position, SeriesPtr& result) const
     if (from == nullptr || to == nullptr) {
         return {ERROR_OUT_OF_MEMORY, "out of memory on resampling"};
     }
-    if (std::find(sampleRows.begin(), sampleRows.end(), NO_SAMPLE) != sampleRows.end()) {
+    if (!isWhole) {
         Error outcome = Func::NanRows<CONTAINER_ARRAY>().ProcessSeries(to);
         if (outcome.code != ERROR_NONE) {
             LogError("Generate N rows of NaN values failed, column name is %s, column index is %d",
@@ -106,9 +107,10 @@ Cursor Samples::RowsToAsk(const SeriesPtr& column) const
 
 ErrorCode Samples::BuildColumns(Columns& results) const
 {
+    const bool isWhole = std::find(sampleRows.begin(), sampleRows.end(), NO_SAMPLE) == sampleRows.end();
     for (std::uint32_t position = 0; position < columns->size(); ++position) {
         SeriesPtr result;
-        const Error outcome = BuildColumn(position, result);
+        const Error outcome = BuildColumn(position, isWhole, result);
         if (outcome.code != ERROR_NONE) {
             LogError("%s", outcome.message.c_str());
             return outcome.code;

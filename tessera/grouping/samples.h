@@ -74,7 +74,7 @@ protected:
 
 private:
     Error BuildLabels(const SeriesPtr& times, SeriesPtr& result) const;
-    Error BuildColumn(std::uint32_t position, SeriesPtr& result) const;
+    Error BuildColumn(std::uint32_t position, bool isWhole, SeriesPtr& result) const;
     ErrorCode BuildColumns(Columns& results) const;
     Error ApplyGlobally(const UnaryFactory& creator, const SeriesPtr& column, SeriesPtr& result) const;
     std::vector<std::uint32_t> WindowBegins() const;

@@ -12,27 +12,38 @@
 namespace MERVO::Tessera {
 namespace {
 
-/// Calls onRows(first, count) for each window with rows, and onEmpty(count) for windows without, in their order.
-template <typename OnRows, typename OnEmpty>
-void ForEachWindow(const TimedRows& rows, TimeWindows window, OnRows&& onRows, OnEmpty&& onEmpty)
+/// A window with rows, and those without that come before it, or behind all others.
+struct Run {
+    std::uint64_t empty;
+    std::uint32_t rows;
+};
+
+/// Finds the windows of rows. No window before the last row's is left out; what comes too late in the rows' order is.
+std::vector<Run> FindWindows(const TimedRows& rows, TimeWindows window)
 {
+    std::vector<Run> runs;
     const std::int64_t last = rows.Time(rows.Count() - 1);
+    std::uint64_t empty = 0;
     for (std::size_t next = 0; next < rows.Count() && window.Start() <= last;) {
         const std::size_t first = next;
         while (next < rows.Count() && window.Has(rows.Time(next))) {
             ++next;
         }
         if (next != first) {
-            onRows(first, next - first);
+            runs.push_back({empty, static_cast<std::uint32_t>(next - first)});
+            empty = 0;
             window.GoOn(1);
             continue;
         }
         const std::int64_t time = rows.Time(next);
         const std::uint64_t started = window.CountStarted(last);
-        const std::uint64_t empty = window.StartsAfter(time) ? started : std::min(started, window.CountBefore(time));
-        onEmpty(empty);
+        empty = window.StartsAfter(time) ? started : std::min(started, window.CountBefore(time));
         window.GoOn(empty);
     }
+    if (empty != 0) {
+        runs.push_back({empty, 0});
+    }
+    return runs;
 }
 
 DateTime NearestMoment(std::int64_t seconds)
@@ -56,16 +67,13 @@ ErrorCode CutIntoWindows(const TimedRows& rows, std::int64_t width, bool closedL
     if (rows.Count() == 0) {
         return ERROR_NONE;
     }
-    const TimeWindows windows(rows.Time(0), width, closedLeft);
+    const std::vector<Run> runs = FindWindows(rows, {rows.Time(0), width, closedLeft});
     std::uint64_t rowCount = 0;
     std::uint64_t windowCount = 0;
-    const auto count = [&](std::uint64_t ofRows, std::uint64_t ofWindows) {
-        rowCount += ofRows;
-        windowCount += ofWindows;
-    };
-    ForEachWindow(
-        rows, windows, [&](std::size_t, std::size_t taken) { count(taken, 1); },
-        [&](std::uint64_t empty) { count(empty, empty); });
+    for (const Run& run : runs) {
+        rowCount += run.empty + run.rows;
+        windowCount += run.empty + (run.rows == 0 ? 0 : 1);
+    }
     constexpr std::uint64_t BYTES_PER_ROW = sizeof(DateTime) + sizeof(std::int32_t);
     if (rows.Count() > std::numeric_limits<std::int32_t>::max() ||
         rowCount > std::numeric_limits<std::uint32_t>::max() || !HasRoomFor(rowCount, BYTES_PER_ROW)) {
@@ -74,18 +82,18 @@ ErrorCode CutIntoWindows(const TimedRows& rows, std::int64_t width, bool closedL
     }
     samples.rows.reserve(samples.rows.size() + static_cast<std::size_t>(rowCount));
     samples.counts.reserve(samples.counts.size() + static_cast<std::size_t>(windowCount));
-    ForEachWindow(
-        rows, windows,
-        [&](std::size_t first, std::size_t taken) {
-            for (std::size_t place = first; place < first + taken; ++place) {
-                samples.rows.push_back(static_cast<std::int32_t>(rows.Row(place)));
-            }
-            samples.counts.push_back(static_cast<std::uint32_t>(taken));
-        },
-        [&](std::uint64_t empty) {
-            samples.rows.insert(samples.rows.end(), static_cast<std::size_t>(empty), NO_SAMPLE);
-            samples.counts.insert(samples.counts.end(), static_cast<std::size_t>(empty), 1U);
-        });
+    std::size_t place = 0;
+    for (const Run& run : runs) {
+        const auto empty = static_cast<std::size_t>(run.empty);
+        samples.rows.insert(samples.rows.end(), empty, NO_SAMPLE);
+        samples.counts.insert(samples.counts.end(), empty, 1U);
+        for (const std::size_t end = place + run.rows; place < end; ++place) {
+            samples.rows.push_back(static_cast<std::int32_t>(rows.Row(place)));
+        }
+        if (run.rows != 0) {
+            samples.counts.push_back(run.rows);
+        }
+    }
     return ERROR_NONE;
 }
 

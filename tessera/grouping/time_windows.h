@@ -23,12 +23,15 @@ public:
 
     std::int64_t Start() const { return start; }
     std::int64_t End() const { return start + width; }
-    bool StartsAfter(std::int64_t time) const { return closedLeft ? time < start : time <= start; }
-    bool Has(std::int64_t time) const { return !StartsAfter(time) && (closedLeft ? time < End() : time <= End()); }
+    bool StartsAfter(std::int64_t time) const { return time < FirstTime(); }
+    bool Has(std::int64_t time) const
+    {
+        return static_cast<std::uint64_t>(time - FirstTime()) < static_cast<std::uint64_t>(width);
+    }
     /// How many windows from here on end before a time that this one doesn't start after.
     std::uint64_t CountBefore(std::int64_t time) const
     {
-        return static_cast<std::uint64_t>((time - start - (closedLeft ? 0 : 1)) / width);
+        return static_cast<std::uint64_t>((time - FirstTime()) / width);
     }
     /// How many windows from here on start at or before a time that this one starts at or before.
     std::uint64_t CountStarted(std::int64_t time) const
@@ -38,6 +41,8 @@ public:
     void GoOn(std::uint64_t windows) { start += static_cast<std::int64_t>(windows) * width; }
 
 private:
+    std::int64_t FirstTime() const { return closedLeft ? start : start + 1; }
+
     std::int64_t start;
     std::int64_t width;
     bool closedLeft;

@@ -23,14 +23,17 @@ TimedRows::TimedRows(const Cursor& column)
 {
     const DateTime* const times = CursorAs<CONTAINER_ARRAY, DateTime>(column).mHead;
     bool isSorted = true;
-    std::uint64_t before = 0;
+    std::uint64_t lowest = ~std::uint64_t{0};
+    std::uint64_t highest = 0;
     for (std::size_t row = 0; row < count; ++row) {
-        pairs[row] = PairOf(times[row], row);
-        isSorted &= before < pairs[row]; // the row makes the pair of an equal time the greater one
-        before = pairs[row] - 1;
+        const std::uint64_t pair = PairOf(times[row], row);
+        isSorted &= highest <= pair; // among equal times the row makes the later one greater
+        lowest = std::min(lowest, pair);
+        highest = std::max(highest, pair);
+        pairs[row] = pair;
     }
     if (!isSorted) {
-        Sort();
+        Sort(lowest, highest);
     }
 }
 
@@ -42,12 +45,10 @@ TimedRows::TimedRows(const Cursor& column, std::span<const std::uint32_t> index)
         index.begin(), index.end(), pairs.get(), [times](std::uint32_t row) { return PairOf(times[row], row); });
 }
 
-/// Takes the earliest time from all others first, for the fewer digits there are to sort by.
-void TimedRows::Sort()
+void TimedRows::Sort(std::uint64_t lowest, std::uint64_t highest)
 {
-    const auto [lowest, highest] = std::minmax_element(pairs.get(), pairs.get() + count);
-    const std::uint64_t offset = *lowest >> ROW_BITS << ROW_BITS;
-    const auto timeBits = static_cast<unsigned int>(std::bit_width((*highest - offset) >> ROW_BITS));
+    const std::uint64_t offset = lowest >> ROW_BITS << ROW_BITS;
+    const auto timeBits = static_cast<unsigned int>(std::bit_width((highest - offset) >> ROW_BITS));
     std::for_each(pairs.get(), pairs.get() + count, [offset](std::uint64_t& pair) { pair -= offset; });
     earliest += static_cast<std::int64_t>(offset >> ROW_BITS);
     auto spare = std::make_unique_for_overwrite<std::uint64_t[]>(count);

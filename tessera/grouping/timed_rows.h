@@ -23,7 +23,8 @@ public:
     std::uint32_t Row(std::size_t place) const { return static_cast<std::uint32_t>(pairs[place]); }
 
 private:
-    void Sort();
+    /// Takes the earliest time from all others first, for the fewer digits there are to sort by.
+    void Sort(std::uint64_t lowest, std::uint64_t highest);
 
     std::unique_ptr<std::uint64_t[]> pairs; ///< the time from the earliest one on above, the row below
     std::size_t count;
