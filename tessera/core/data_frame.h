@@ -435,16 +435,13 @@ private:
     Groups GroupByOutPlace(unsigned int keyCount, const unsigned int* keys, const std::vector<std::uint32_t>& index,
         std::vector<std::uint8_t>& flags);
     Groups GroupByKeys(unsigned int keyCount, const unsigned int* keys, bool inPlace, bool ascending, bool sorted);
-    Samples ResampleInner(unsigned int timeColumn, std::vector<std::uint32_t>& index, const DateTime& gap,
-        bool labelLeft, bool closedLeft) const;
+    Samples ResampleInner(unsigned int timeColumn, const DateTime& gap, bool labelLeft, bool closedLeft) const;
 
     // The steps of PivotTable, which share their code for all types of the fill: it comes as a column of one cell.
     bool IsPivotTableParamValid(const TableParams& params) const;
     /// Puts the creators in the order of the values. Returns 0, or -1: one too many, or too few.
     std::int32_t ProcessTableParam(
         const TableParams& params, const PivotCreators& creators, std::vector<UnaryFactory>& ordered) const;
-    /// Copies index, columns and values, in this order, and changes the parameters to their places there.
-    DataFrame GetFilterPivotTable(TableParams& params) const;
     DataFrame PivotByCreator(const TableParams& params, const UnaryFactory& creator, const SeriesPtr& fill) const;
     DataFrame PivotByCreators(const TableParams& params, const PivotCreators& creators, const SeriesPtr& fill) const;
     DataFrame PivotCells(TableParams params, const std::vector<UnaryFactory>& creators, const SeriesPtr& fill) const;

@@ -140,17 +140,6 @@ std::int32_t DataFrame::ProcessTableParam(
     return 0;
 }
 
-DataFrame DataFrame::GetFilterPivotTable(TableParams& params) const
-{
-    Positions selected;
-    for (Positions* list : {&params.index, &params.columns, &params.values}) {
-        const auto first = static_cast<std::uint32_t>(selected.size());
-        selected.insert(selected.end(), list->begin(), list->end());
-        std::iota(list->begin(), list->end(), first);
-    }
-    return SelectCol(selected);
-}
-
 ErrorCode DataFrame::InsertPivotKey(const Groups& rows, const Positions& index, DataFrame& result) const
 {
     Positions firstRows;
@@ -241,10 +230,14 @@ ErrorCode DataFrame::InsertPivotValue(
 DataFrame DataFrame::PivotCells(
     TableParams params, const std::vector<UnaryFactory>& creators, const SeriesPtr& fill) const
 {
-    DataFrame filtered = GetFilterPivotTable(params);
-    Positions keys(params.index.size() + params.columns.size());
-    std::iota(keys.begin(), keys.end(), 0U);
-    DataFrame aggregate = filtered.GroupBy(keys, false, false, false).Apply(creators);
+    Positions keys = params.index;
+    keys.insert(keys.end(), params.columns.begin(), params.columns.end());
+    DataFrame aggregate = Aggregate(keys, params.values, creators);
+    std::uint32_t position = 0; // the aggregate has these columns only, in this order
+    for (Positions* list : {&params.index, &params.columns, &params.values}) {
+        std::iota(list->begin(), list->end(), position);
+        position += static_cast<std::uint32_t>(list->size());
+    }
     if (aggregate.GetError().code != ERROR_NONE) {
         LogError("Failed to group key, error %d", aggregate.GetError().code);
         return {};
