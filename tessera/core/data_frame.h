@@ -17,7 +17,6 @@ class BaseGroups;
 class DateTime;
 class Groups;
 class Samples;
-class SortKeys;
 
 /**
  * A table: the owner of its columns.
@@ -455,7 +454,6 @@ private:
         const TableParams& params, const Groups& columnGroups, unsigned int group, unsigned int value) const;
 
     using MergeRows = std::vector<std::uint32_t>; ///< positions of rows or columns
-    using MergeKeys = std::vector<std::unique_ptr<SortKeys>>;
 
     /// Merge behind its checks.
     DataFrame MergeInternal(const DataFrame& right, MergeRows& leftOn, MergeRows& rightOn,
@@ -463,10 +461,9 @@ private:
     /// The rows of both sides for each row of the result.
     Error PairMergeRows(const DataFrame& right, const MergeRows& leftOn, const MergeRows& rightOn,
         MERVO_TESSERA_MERGE_JOINTYPE type, MergeRows& leftRows, MergeRows& rightRows) const;
-    /// Sorts the rows of both tables, this one's first, by each key: in descending order, the last key the most
-    /// significant one. Flags the changes of that key, or leaves it with the others in `keys`, whose changes are yet to
-    /// be marked. Throws std::bad_alloc.
-    MergeRows SortAndGetKey(const DataFrame& right, const MergeRows& leftOn, const MergeRows& rightOn, MergeKeys& keys,
+    /// Sorts the rows of both tables, this one's before those of the other, by each key: in descending order, the last
+    /// key the most significant one. Flags where a key differs from that of the row before. Throws std::bad_alloc.
+    MergeRows SortAndGetKey(const DataFrame& right, const MergeRows& leftOn, const MergeRows& rightOn,
         std::vector<std::uint8_t>& flags) const;
     /// Counts the rows of each run; a flag is set for the first one of a run.
     void CalculateMergeIndex(
