@@ -416,8 +416,8 @@ public:
      * @param fill what cells without rows hold, cast to the value's type.
      * @return the table; one with this table's own code if that failed before. An empty one, and the reason in the log,
      *         for a position that is no column or comes twice in a list; a functor without a value or a value without a
-     *         functor; no index; a table without rows; a column in a list; a functor that fails; more cells than memory
-     *         can hold, or no memory.
+     *         functor; no values or no index; a table without rows; a column in a list; a functor that fails; more
+     *         cells than memory can hold, or no memory.
      */
     template <typename T>
     DataFrame PivotTable(const TableParams& params, const PivotCreators& creators, T fill) const;

@@ -1,6 +1,7 @@
 #include <utility>
 
 #include "tessera/core/data_frame.h"
+#include "tessera/core/memory_room.h"
 #include "tessera/functors/array_form.h"
 #include "tessera/grouping/samples.h"
 #include "tessera/grouping/time_windows.h"
@@ -21,8 +22,8 @@ Samples DataFrame::ResampleInner(unsigned int timeColumn, const DateTime& gap, b
     }
     std::vector<std::int32_t> rows;
     std::vector<std::uint32_t> counts;
-    const ErrorCode code =
-        CutIntoWindows(TimedRows(Func::ArrayForm(times).Get()), gap.TimeStamp(), closedLeft, {rows, counts});
+    const ErrorCode code = CutIntoWindows(
+        TimedRows(Func::ArrayForm(times).Get()), gap.TimeStamp(), closedLeft, RowSizeOf(*series), {rows, counts});
     if (code != ERROR_NONE) {
         LogError("Do time resample failed, error %d", code);
         return {};

@@ -13,16 +13,6 @@
 namespace MERVO::Tessera {
 namespace {
 
-/// Whether columns like these, but of so many rows, would lie in memory.
-bool HaveRoom(const DataFrame::Columns& columns, std::size_t rows)
-{
-    std::uint64_t rowBytes = 0;
-    for (const SeriesPtr& column : columns) {
-        rowBytes += column == nullptr ? 0 : CellSizeOf(column->GetTypeId());
-    }
-    return HasRoomFor(rows, rowBytes);
-}
-
 /// The column, if it is one of labels that nobody has seen.
 LabelSeries* UnwrittenLabels(const SeriesPtr& column)
 {
@@ -148,7 +138,7 @@ ErrorCode Samples::ReorderRows()
             LogError("there is no time column to resample by");
             return ERROR_BAD_VALUE;
         }
-        if (!HaveRoom(*columns, sampleRows.size())) {
+        if (!HasRoomFor(sampleRows.size(), RowSizeOf(*columns))) {
             LogError("Too many rows to resample into: %zu", sampleRows.size());
             return ERROR_OUT_OF_MEMORY;
         }

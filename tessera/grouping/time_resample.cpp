@@ -41,7 +41,7 @@ ErrorCode TimeResampleBase<CID>::OnExecute(const Cursor& cursor) const
         }
         return Guarded("TimeResample", [&]() -> ErrorCode {
             const TimedRows rows(ArrayForm(cursor).Get(), index);
-            return CutIntoWindows(rows, gap.TimeStamp(), closedLeft, {sampleRows, sampleCounts});
+            return CutIntoWindows(rows, gap.TimeStamp(), closedLeft, sizeof(DateTime), {sampleRows, sampleCounts});
         });
     } else {
         return ERROR_GENERAL;

@@ -12,6 +12,9 @@
 namespace MERVO::Tessera {
 namespace {
 
+/// The bytes of a sample row, and of a count.
+constexpr std::uint64_t SAMPLE_SIZE = sizeof(std::int32_t) + sizeof(std::uint32_t);
+
 /// A window with rows, and those without that come before it, or behind all others.
 struct Run {
     std::uint64_t empty;
@@ -62,7 +65,8 @@ bool AreSamplesOf(std::uint32_t length, std::span<const std::int32_t> rows, std:
         std::accumulate(counts.begin(), counts.end(), std::uint64_t{0}) == rows.size();
 }
 
-ErrorCode CutIntoWindows(const TimedRows& rows, std::int64_t width, bool closedLeft, const SampledRows& samples)
+ErrorCode CutIntoWindows(
+    const TimedRows& rows, std::int64_t width, bool closedLeft, std::uint64_t rowSize, const SampledRows& samples)
 {
     if (rows.Count() == 0) {
         return ERROR_NONE;
@@ -74,9 +78,8 @@ ErrorCode CutIntoWindows(const TimedRows& rows, std::int64_t width, bool closedL
         rowCount += run.empty + run.rows;
         windowCount += run.empty + (run.rows == 0 ? 0 : 1);
     }
-    constexpr std::uint64_t BYTES_PER_ROW = sizeof(DateTime) + sizeof(std::int32_t);
     if (rows.Count() > std::numeric_limits<std::int32_t>::max() ||
-        rowCount > std::numeric_limits<std::uint32_t>::max() || !HasRoomFor(rowCount, BYTES_PER_ROW)) {
+        rowCount > std::numeric_limits<std::uint32_t>::max() || !HasRoomFor(rowCount, rowSize + SAMPLE_SIZE)) {
         LogError("Too many rows to resample into: %llu", static_cast<unsigned long long>(rowCount));
         return ERROR_OUT_OF_MEMORY;
     }

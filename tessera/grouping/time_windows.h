@@ -64,10 +64,11 @@ bool AreSamplesOf(std::uint32_t length, std::span<const std::int32_t> rows, std:
 
 /**
  * Appends rows window by window, as they come.
+ * @param rowSize the bytes of a row of what shall be made of them.
  * @return 0, or 3, with a message and nothing appended: too many rows. Throws std::bad_alloc; nothing is appended then.
  */
 [[nodiscard]] ErrorCode CutIntoWindows(
-    const TimedRows& rows, std::int64_t width, bool closedLeft, const SampledRows& samples);
+    const TimedRows& rows, std::int64_t width, bool closedLeft, std::uint64_t rowSize, const SampledRows& samples);
 
 /// Writes the label of each window, its start or its end, to as many cells of an array or list of DateTime as `counts`
 /// says, up to the cursor's end. A label that no moment can have, before the first one or behind the last one, becomes
