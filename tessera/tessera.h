@@ -346,8 +346,8 @@ typedef struct {
 MERVO_TSR_API MERVO_TSR_GROUP_ARRAY* MERVO_TSR_GroupBy(
     MERVO_TSR_CONTEXT* table, const uint32_t* keys, uint32_t keyCount);
 /**
- * Sorts a table by key columns as MERVO_TSR_GroupBy does, and makes one table of it in which each row has a statistic of
- * its group in place of its values. Key columns stay as they are.
+ * Sorts a table by key columns as MERVO_TSR_GroupBy does, and makes one table of it in which each row has a statistic
+ * of its group in place of its values. Key columns stay as they are.
  * @param functor 0: the largest value, 1: the smallest, 2: the standard deviation, 3: the sum, 4: the mean.
  * @return a record of one table, which the caller releases; null, and the reason in the log, for what
  *         MERVO_TSR_GroupBy refuses, another functor, or a column that the functor does not serve.

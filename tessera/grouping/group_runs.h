@@ -9,7 +9,7 @@ namespace MERVO::Tessera {
 
 /**
  * Runs a functor, with its checks, on each group of a column's rows for itself. One pair of cursors goes from group to
- * group.
+ * group; groups of few rows are reduced in one pass, where the functor can do that, with 4 bytes per row.
  *
  * Group g is rows begins[g] to before begins[g + 1] of src; its results are rows dstBegins[g] to before
  * dstBegins[g + 1] of dst.

@@ -391,17 +391,22 @@ TEST_F(Digests, OfRows)
     Settle("rows", digest);
 }
 
-/// Sorted rows, distinct values, repeats and groups. Few different cells, so that ties count.
+/// Few different rows, so that ties count.
+template <typename T>
+DataFrame FewRows(unsigned int rows)
+{
+    std::vector<std::uint32_t> positions(rows);
+    Random random(rows);
+    std::generate(positions.begin(), positions.end(), [&] { return random.Below(rows / 3 + 1); });
+    return RandomTable<T>(rows, 3).SelectRow(positions);
+}
+
+/// Sorted rows, distinct values, repeats and groups.
 template <typename T>
 void AddOrders(Digest& digest)
 {
     for (const unsigned int rows : {1U, 20U, 1000U, 5000U}) {
-        DataFrame few = RandomTable<T>(rows, 3).SelectRow([rows] {
-            std::vector<std::uint32_t> positions(rows);
-            Random random(rows);
-            std::generate(positions.begin(), positions.end(), [&] { return random.Below(rows / 3 + 1); });
-            return positions;
-        }());
+        DataFrame few = FewRows<T>(rows);
         for (const bool isSorted : {false, true}) {
             const Groups groups = few.GroupBy({2, 1}, false, rows == 20, isSorted);
             for (const std::uint32_t position : groups.GetRowOrder()) {
@@ -452,6 +457,25 @@ TEST_F(Digests, OfMerges)
         Digest digest;
         AddMerges<T>(digest);
         Settle("merge_" + GetTypeNameById(TYPE_ID_OF<T>), digest);
+    });
+}
+
+TEST_F(Digests, OfGroupEvaluation)
+{
+    using namespace Func;
+    ForEachFlatType([]<typename T>(std::type_identity<T>) {
+        Digest digest;
+        for (const UnaryFactory& make : {Make<Sum>(), Make<Mean>(), Make<Max>(), Make<Min>(), Make<Std>(),
+                 Make<Var, Count>(0), Make<Ptp>(), Make<Kurt, bool, bool>(true, true)}) {
+            for (const unsigned int rows : {1U, 20U, 2000U}) {
+                DataFrame few = FewRows<T>(rows);
+                AddTable(digest, few.Aggregate({2}, {0}, make));
+                AddTable(digest, few.Aggregate({2, 1}, {0, 1}, make));
+                AddTable(digest, few.TransformGroups({1}, {0}, make));
+                AddTable(digest, few.GroupBy({1}, true, true, true).Transform(make));
+            }
+        }
+        Settle("groups_" + GetTypeNameById(TYPE_ID_OF<T>), digest);
     });
 }
 

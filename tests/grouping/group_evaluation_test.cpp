@@ -169,7 +169,8 @@ TEST(GroupEvaluation, TakesAFunctorForEachValueColumn)
     // What is no reduction goes by reordered rows.
     EXPECT_TRUE(IsSameTable(table.Aggregate({"key"}, {"a"}, Make<Func::CopySeries>()),
         TableOf(Column<bool>("key", {true, true, false}), Column<std::int8_t>("a", {5, 7, -6}))));
-    EXPECT_TRUE(IsSameTable(table.TransformGroups({"a"}, {"key"}, Make<Func::CopySeries>()), table.SelectCol(Positions{0, 1})));
+    EXPECT_TRUE(
+        IsSameTable(table.TransformGroups({"a"}, {"key"}, Make<Func::CopySeries>()), table.SelectCol(Positions{0, 1})));
 }
 
 // The sums of groups add up to the sum of the whole; whole numbers are added without rounding.
