@@ -17,7 +17,6 @@ class BaseGroups;
 class DateTime;
 class Groups;
 class Samples;
-class SortKeys;
 
 /**
  * A table: the owner of its columns.
@@ -417,8 +416,8 @@ public:
      * @param fill what cells without rows hold, cast to the value's type.
      * @return the table; one with this table's own code if that failed before. An empty one, and the reason in the log,
      *         for a position that is no column or comes twice in a list; a functor without a value or a value without a
-     *         functor; no index; a table without rows; a column in a list; a functor that fails; more cells than memory
-     *         can hold, or no memory.
+     *         functor; no values or no index; a table without rows; a column in a list; a functor that fails; more
+     *         cells than memory can hold, or no memory.
      */
     template <typename T>
     DataFrame PivotTable(const TableParams& params, const PivotCreators& creators, T fill) const;
@@ -435,16 +434,13 @@ private:
     Groups GroupByOutPlace(unsigned int keyCount, const unsigned int* keys, const std::vector<std::uint32_t>& index,
         std::vector<std::uint8_t>& flags);
     Groups GroupByKeys(unsigned int keyCount, const unsigned int* keys, bool inPlace, bool ascending, bool sorted);
-    Samples ResampleInner(unsigned int timeColumn, std::vector<std::uint32_t>& index, const DateTime& gap,
-        bool labelLeft, bool closedLeft) const;
+    Samples ResampleInner(unsigned int timeColumn, const DateTime& gap, bool labelLeft, bool closedLeft) const;
 
     // The steps of PivotTable, which share their code for all types of the fill: it comes as a column of one cell.
     bool IsPivotTableParamValid(const TableParams& params) const;
     /// Puts the creators in the order of the values. Returns 0, or -1: one too many, or too few.
     std::int32_t ProcessTableParam(
         const TableParams& params, const PivotCreators& creators, std::vector<UnaryFactory>& ordered) const;
-    /// Copies index, columns and values, in this order, and changes the parameters to their places there.
-    DataFrame GetFilterPivotTable(TableParams& params) const;
     DataFrame PivotByCreator(const TableParams& params, const UnaryFactory& creator, const SeriesPtr& fill) const;
     DataFrame PivotByCreators(const TableParams& params, const PivotCreators& creators, const SeriesPtr& fill) const;
     DataFrame PivotCells(TableParams params, const std::vector<UnaryFactory>& creators, const SeriesPtr& fill) const;
@@ -458,7 +454,6 @@ private:
         const TableParams& params, const Groups& columnGroups, unsigned int group, unsigned int value) const;
 
     using MergeRows = std::vector<std::uint32_t>; ///< positions of rows or columns
-    using MergeKeys = std::vector<std::unique_ptr<SortKeys>>;
 
     /// Merge behind its checks.
     DataFrame MergeInternal(const DataFrame& right, MergeRows& leftOn, MergeRows& rightOn,
@@ -466,10 +461,9 @@ private:
     /// The rows of both sides for each row of the result.
     Error PairMergeRows(const DataFrame& right, const MergeRows& leftOn, const MergeRows& rightOn,
         MERVO_TESSERA_MERGE_JOINTYPE type, MergeRows& leftRows, MergeRows& rightRows) const;
-    /// Sorts the rows of both tables, this one's first, by each key: in descending order, the last key the most
-    /// significant one. Flags the changes of that key, or leaves it with the others in `keys`, whose changes are yet to
-    /// be marked. Throws std::bad_alloc.
-    MergeRows SortAndGetKey(const DataFrame& right, const MergeRows& leftOn, const MergeRows& rightOn, MergeKeys& keys,
+    /// Sorts the rows of both tables, this one's before those of the other, by each key: in descending order, the last
+    /// key the most significant one. Flags where a key differs from that of the row before. Throws std::bad_alloc.
+    MergeRows SortAndGetKey(const DataFrame& right, const MergeRows& leftOn, const MergeRows& rightOn,
         std::vector<std::uint8_t>& flags) const;
     /// Counts the rows of each run; a flag is set for the first one of a run.
     void CalculateMergeIndex(

@@ -27,4 +27,13 @@ std::uint64_t CellSizeOf(MERVO_TESSERA_TYPEID type)
     return IsValueType(type) ? SIZES[static_cast<std::size_t>(type)] : 0;
 }
 
+std::uint64_t RowSizeOf(std::span<const SeriesPtr> columns)
+{
+    std::uint64_t bytes = 0;
+    for (const SeriesPtr& column : columns) {
+        bytes += column == nullptr ? 0 : CellSizeOf(column->GetTypeId());
+    }
+    return bytes;
+}
+
 } // namespace MERVO::Tessera

@@ -1,8 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
-#include "tessera/core/value_types.h"
+#include "tessera/core/series.h"
 
 namespace MERVO::Tessera {
 
@@ -16,5 +17,7 @@ bool HasRoomFor(std::uint64_t count, std::uint64_t elementSize);
 
 /// The bytes of an element in an array, not counting what it holds elsewhere; 0 for no value type.
 std::uint64_t CellSizeOf(MERVO_TESSERA_TYPEID type);
+/// The same of a row of columns, as arrays.
+std::uint64_t RowSizeOf(std::span<const SeriesPtr> columns);
 
 } // namespace MERVO::Tessera

@@ -60,6 +60,8 @@ Cursor BaseGroups::RowsOf(const SeriesPtr& column) const
     return rows;
 }
 
+Cursor BaseGroups::RowsToAsk(const SeriesPtr& column) const { return RowsOf(column); }
+
 ErrorCode BaseGroups::ApplyToRuns(
     const Func::UnaryBase& functor, const SeriesPtr& src, const SeriesPtr& dst, const Positions& dstBegin) const
 {
@@ -88,15 +90,19 @@ Positions BaseGroups::FindDstBegins(const UnaryFactory& creator, unsigned int& t
         return begins;
     }
     const SeriesPtr& first = columns->front();
-    const Cursor rows = RowsOf(first);
-    if (rows == nullptr) {
+    const Cursor asked = RowsToAsk(first);
+    if (asked == nullptr) {
         return begins;
     }
     Functors functors(creator);
     const Func::UnaryBase& functor = functors.For(Func::ContainerOf(first));
-    if (functor.GetDstAttr(rows).length == 1) {
+    if (functor.GetDstAttr(asked).length == 1) {
         std::iota(begins.begin(), begins.end(), 0U);
         total = groupCount;
+        return begins;
+    }
+    const Cursor rows = RowsOf(first);
+    if (rows == nullptr) {
         return begins;
     }
     MovingPart group(rows);
@@ -153,7 +159,7 @@ Error BaseGroups::RepeatKey(
     const UnaryFactory& creator, std::uint32_t position, const Positions& dstBegin, SeriesPtr& result) const
 {
     const SeriesPtr& column = (*columns)[position];
-    const Cursor rows = RowsOf(column);
+    const Cursor rows = RowsToAsk(column);
     if (rows == nullptr) {
         return LostRows(position);
     }

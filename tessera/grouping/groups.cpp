@@ -87,17 +87,18 @@ Groups::Groups(const std::vector<std::uint32_t>& index, const std::vector<std::u
 
 void Groups::Show() const { ShowGroups(); }
 
-ErrorCode Groups::ApplyKey(const SeriesPtr& src, const SeriesPtr& dst, const Positions& dstBegin, bool) const
+ErrorCode Groups::ApplyKey(const SeriesPtr& src, const SeriesPtr& dst, const Positions& dstBegin, bool single) const
 {
-    return SelectFirstRows(src, dst, dstBegin);
+    return SelectFirstRows(src, dst, dstBegin, single);
 }
 
-ErrorCode BaseGroups::SelectFirstRows(const SeriesPtr& src, const SeriesPtr& dst, const Positions& dstBegin) const
+ErrorCode BaseGroups::SelectFirstRows(
+    const SeriesPtr& src, const SeriesPtr& dst, const Positions& dstBegin, bool single) const
 {
     return Guarded("ApplyKey", [&]() -> ErrorCode {
         Positions rows;
-        for (std::size_t g = 0; g < groupCount && g + 1 < dstBegin.size(); ++g) {
-            rows.insert(rows.end(), dstBegin[g + 1] - dstBegin[g], groupBegins[g]);
+        for (std::size_t g = 0; g < groupCount && (single || g + 1 < dstBegin.size()); ++g) {
+            rows.insert(rows.end(), single ? 1 : dstBegin[g + 1] - dstBegin[g], groupBegins[g]);
         }
         const Func::SelectRowBase<CONTAINER_ARRAY> selection(rows);
         return selection.ProcessSeries(RowsOf(src), dst == nullptr ? nullptr : AllOf(dst), true).code;

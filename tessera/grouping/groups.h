@@ -100,9 +100,11 @@ protected:
     /// ApplyValue, for groups whose rows are runs.
     ErrorCode ApplyToRuns(const Func::UnaryBase& functor, const SeriesPtr& src, const SeriesPtr& dst,
         const std::vector<std::uint32_t>& dstBegin) const;
-    /// Puts the first row of each group into all rows of the group's results.
+    /// A cursor by which functors tell the length of their results: that of RowsOf, unless the rows are not made yet.
+    virtual Cursor RowsToAsk(const SeriesPtr& column) const;
+    /// Puts the first row of each group into all rows of the group's results, or into a single one.
     ErrorCode SelectFirstRows(
-        const SeriesPtr& src, const SeriesPtr& dst, const std::vector<std::uint32_t>& dstBegin) const;
+        const SeriesPtr& src, const SeriesPtr& dst, const std::vector<std::uint32_t>& dstBegin, bool single) const;
     void ShowGroups() const;
 
     std::vector<std::uint32_t> rowOrder;

@@ -1,8 +1,9 @@
 #include <algorithm>
 #include <limits>
+#include <memory>
 #include <new>
 #include <numeric>
-#include <span>
+#include <utility>
 
 #include "tessera/core/data_frame.h"
 #include "tessera/functors/missing_cell.h"
@@ -31,18 +32,23 @@ Cursor RowsOf(const DataFrame& table, std::uint32_t key)
 
 } // namespace
 
-Rows DataFrame::SortAndGetKey(const DataFrame& right, const MergeRows& leftOn, const MergeRows& rightOn,
-    MergeKeys& keys, std::vector<std::uint8_t>& flags) const
+Rows DataFrame::SortAndGetKey(
+    const DataFrame& right, const MergeRows& leftOn, const MergeRows& rightOn, std::vector<std::uint8_t>& flags) const
 {
     Rows index(flags.size());
     std::iota(index.begin(), index.end(), 0U);
+    std::vector<std::unique_ptr<SortKeys>> unmarked;
     for (std::size_t k = 0; k < leftOn.size(); ++k) {
-        keys.push_back(KeysOf(RowsOf(*this, leftOn[k]), RowsOf(right, rightOn[k])));
-        const bool marksAll = k + 1 == leftOn.size() && !keys.back()->MayHaveNan();
-        OrderStably(*keys.back(), false, index, marksAll ? std::span(flags) : std::span<std::uint8_t>());
-        if (marksAll) {
-            keys.pop_back();
+        std::unique_ptr<SortKeys> keys = KeysOf(RowsOf(*this, leftOn[k]), RowsOf(right, rightOn[k]));
+        if (k + 1 == leftOn.size() && !keys->MayHaveNan()) {
+            OrderStably(*keys, false, index, flags);
+        } else {
+            OrderStably(*keys, false, index);
+            unmarked.push_back(std::move(keys));
         }
+    }
+    for (const auto& keys : unmarked) { // in the order that the last sort has made
+        keys->MarkChanges(index, flags.data());
     }
     return index;
 }
@@ -82,43 +88,36 @@ std::uint64_t DataFrame::GetMergedSeriesLength(
 void DataFrame::GetLeftRightMergeIndex(const std::vector<MergeIndex>& merge, const MergeRows& index,
     MERVO_TESSERA_MERGE_JOINTYPE type, MergeRows& left, MergeRows& right) const
 {
-    const std::uint32_t leftRows = RowCount();
-    // Keys within the tolerance may be in any order, so that a run's rows of both sides can be mixed.
+    // Keys within the tolerance stand in the order of their values, so that a run's rows of both sides can be mixed.
+    const std::uint32_t leftCount = RowCount();
     const auto nextLeft = [&](std::uint32_t& place) {
-        while (index[place] >= leftRows) {
-            ++place;
+        for (; index[place] >= leftCount; ++place) {
         }
         return index[place++];
     };
     const auto nextRight = [&](std::uint32_t& place) {
-        while (index[place] < leftRows) {
-            ++place;
+        for (; index[place] < leftCount; ++place) {
         }
-        return index[place++] - leftRows;
+        return index[place++] - leftCount;
     };
-    std::size_t row = 0;
+    std::uint32_t* toLeft = left.data();
+    std::uint32_t* toRight = right.data();
     for (const MergeIndex& run : merge) {
         std::uint32_t leftPlace = run.leftBegin;
         std::uint32_t rightPlace = run.rightBegin;
-        if (run.rightCount == 0 && KeepsLeft(type)) {
-            for (std::uint32_t i = 0; i < run.leftCount; ++i, ++row) {
-                left[row] = nextLeft(leftPlace);
-                right[row] = Func::NO_ROW;
-            }
-        } else if (run.leftCount != 0) {
-            const std::size_t block = row;
+        if (run.leftCount != 0 && run.rightCount != 0) {
+            const std::uint32_t* const block = toRight;
+            std::generate_n(toRight, run.rightCount, [&] { return nextRight(rightPlace); });
             for (std::uint32_t i = 0; i < run.leftCount; ++i) {
-                const std::uint32_t leftRow = run.rightCount == 0 ? 0 : nextLeft(leftPlace);
-                for (std::uint32_t k = 0; k < run.rightCount; ++k, ++row) {
-                    left[row] = leftRow;
-                    right[row] = i == 0 ? nextRight(rightPlace) : right[block + k];
-                }
+                toLeft = std::fill_n(toLeft, run.rightCount, nextLeft(leftPlace));
+                toRight = i == 0 ? toRight + run.rightCount : std::copy_n(block, run.rightCount, toRight);
             }
-        } else if (KeepsRight(type)) {
-            for (std::uint32_t i = 0; i < run.rightCount; ++i, ++row) {
-                left[row] = Func::NO_ROW;
-                right[row] = nextRight(rightPlace);
-            }
+        } else if (run.leftCount != 0 && KeepsLeft(type)) {
+            toLeft = std::generate_n(toLeft, run.leftCount, [&] { return nextLeft(leftPlace); });
+            toRight = std::fill_n(toRight, run.leftCount, Func::NO_ROW);
+        } else if (run.rightCount != 0 && KeepsRight(type)) {
+            toLeft = std::fill_n(toLeft, run.rightCount, Func::NO_ROW);
+            toRight = std::generate_n(toRight, run.rightCount, [&] { return nextRight(rightPlace); });
         }
     }
 }
@@ -135,15 +134,13 @@ Error DataFrame::PairMergeRows(const DataFrame& right, const MergeRows& leftOn, 
         return {ERROR_OUT_OF_MEMORY, "too many rows for Merge"};
     }
     std::vector<MergeIndex> merge;
-    std::vector<std::uint8_t> flags(static_cast<std::size_t>(count));
-    flags.front() = 1;
-    MergeKeys keys;
-    const MergeRows index = SortAndGetKey(right, leftOn, rightOn, keys, flags);
-    for (const auto& key : keys) {
-        key->MarkChanges(index, flags.data());
+    MergeRows index;
+    {
+        std::vector<std::uint8_t> flags(static_cast<std::size_t>(count));
+        flags.front() = 1;
+        index = SortAndGetKey(right, leftOn, rightOn, flags);
+        CalculateMergeIndex(flags, index, merge);
     }
-    CalculateMergeIndex(flags, index, merge);
-    flags = {};
     const std::uint64_t length = GetMergedSeriesLength(merge, type);
     if (length > MOST_ROWS) {
         LogError("Can't build a merged table of %llu rows", static_cast<unsigned long long>(length));

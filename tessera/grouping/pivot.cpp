@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <new>
 #include <numeric>
 #include <set>
 #include <type_traits>
@@ -73,13 +74,16 @@ ErrorCode WithFillBehind(const SeriesPtr& column, const SeriesPtr& fill, SeriesP
     return code != ERROR_NONE ? code : Cast(fill->GetIterator(), result->GetIterator(rows, rows + 1));
 }
 
+/// The text of a cell; none of a nested table. Throws std::bad_alloc.
 std::string TextOf(const SeriesPtr& column, std::uint32_t row)
 {
     const SeriesPtr text = BuildSeries({1, CONTAINER_ARRAY, TESSERA_STRING}, {});
+    const Cursor from = column->GetIterator(row, row + 1);
     const Cursor to = text->GetIterator();
-    // Without memory for it the text is empty, and so it is for nested tables, which have none.
-    return Cast(column->GetIterator(row, row + 1), to) == ERROR_NONE ? GetValueFromIterator<std::string>(to, 0)
-                                                                     : std::string();
+    if (from == nullptr || to == nullptr) {
+        throw std::bad_alloc();
+    }
+    return Cast(from, to) == ERROR_NONE ? GetValueFromIterator<std::string>(to, 0) : std::string();
 }
 
 /// The value type of numbers of so many bytes: `long long` and its like are not the types that columns hold everywhere.
@@ -96,16 +100,17 @@ constexpr MERVO_TESSERA_TYPEID NumberType()
     }
 }
 
-/// A column of one cell. Without memory for it it gives no cursor.
+/// A column of one cell; the error column without memory for it.
 template <typename T>
 SeriesPtr ColumnOf(T value)
 {
     using Cell = ValueTypes::At<NumberType<T>()>;
     SeriesPtr column = BuildSeries({1, CONTAINER_ARRAY, NumberType<T>()}, {});
     const Cursor cursor = column->GetIterator();
-    if (cursor != nullptr) {
-        *CursorAs<CONTAINER_ARRAY, Cell>(cursor).mHead = static_cast<Cell>(value);
+    if (cursor == nullptr) {
+        return GetErrorSeries();
     }
+    *CursorAs<CONTAINER_ARRAY, Cell>(cursor).mHead = static_cast<Cell>(value);
     return column;
 }
 
@@ -122,6 +127,10 @@ bool DataFrame::IsPivotTableParamValid(const TableParams& params) const
 std::int32_t DataFrame::ProcessTableParam(
     const TableParams& params, const PivotCreators& creators, std::vector<UnaryFactory>& ordered) const
 {
+    if (params.values.empty()) {
+        LogError("PivotTable: no values");
+        return -1;
+    }
     ordered.assign(params.values.size(), nullptr);
     for (const auto& [position, creator] : creators) {
         const auto found = std::find(params.values.begin(), params.values.end(), position);
@@ -138,17 +147,6 @@ std::int32_t DataFrame::ProcessTableParam(
         }
     }
     return 0;
-}
-
-DataFrame DataFrame::GetFilterPivotTable(TableParams& params) const
-{
-    Positions selected;
-    for (Positions* list : {&params.index, &params.columns, &params.values}) {
-        const auto first = static_cast<std::uint32_t>(selected.size());
-        selected.insert(selected.end(), list->begin(), list->end());
-        std::iota(list->begin(), list->end(), first);
-    }
-    return SelectCol(selected);
 }
 
 ErrorCode DataFrame::InsertPivotKey(const Groups& rows, const Positions& index, DataFrame& result) const
@@ -241,10 +239,14 @@ ErrorCode DataFrame::InsertPivotValue(
 DataFrame DataFrame::PivotCells(
     TableParams params, const std::vector<UnaryFactory>& creators, const SeriesPtr& fill) const
 {
-    DataFrame filtered = GetFilterPivotTable(params);
-    Positions keys(params.index.size() + params.columns.size());
-    std::iota(keys.begin(), keys.end(), 0U);
-    DataFrame aggregate = filtered.GroupBy(keys, false, false, false).Apply(creators);
+    Positions keys = params.index;
+    keys.insert(keys.end(), params.columns.begin(), params.columns.end());
+    DataFrame aggregate = Aggregate(keys, params.values, creators);
+    std::uint32_t position = 0; // the aggregate has these columns only, in this order
+    for (Positions* list : {&params.index, &params.columns, &params.values}) {
+        std::iota(list->begin(), list->end(), position);
+        position += static_cast<std::uint32_t>(list->size());
+    }
     if (aggregate.GetError().code != ERROR_NONE) {
         LogError("Failed to group key, error %d", aggregate.GetError().code);
         return {};

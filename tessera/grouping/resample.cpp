@@ -1,10 +1,10 @@
-#include <numeric>
 #include <utility>
 
 #include "tessera/core/data_frame.h"
+#include "tessera/core/memory_room.h"
+#include "tessera/functors/array_form.h"
 #include "tessera/grouping/samples.h"
-#include "tessera/grouping/time_resample.h"
-#include "tessera/operations/sort_index.h"
+#include "tessera/grouping/time_windows.h"
 
 namespace MERVO::Tessera {
 namespace {
@@ -13,20 +13,23 @@ using Positions = std::vector<std::uint32_t>;
 
 } // namespace
 
-Samples DataFrame::ResampleInner(
-    unsigned int timeColumn, Positions& index, const DateTime& gap, bool labelLeft, bool closedLeft) const
+Samples DataFrame::ResampleInner(unsigned int timeColumn, const DateTime& gap, bool labelLeft, bool closedLeft) const
 {
+    const Cursor times = (*series)[timeColumn]->GetIterator();
+    if (times == nullptr) {
+        LogError("Do time resample failed, error %d", ERROR_OUT_OF_MEMORY);
+        return {};
+    }
     std::vector<std::int32_t> rows;
     std::vector<std::uint32_t> counts;
-    const Func::TimeResampleBase<CONTAINER_ARRAY> resample(index, gap, closedLeft, rows, counts);
-    const Error outcome = resample.ProcessSeries((*series)[timeColumn]->GetIterator());
-    Positions().swap(index);
-    if (outcome.code != ERROR_NONE) {
-        LogError("Do time resample failed, error %d", outcome.code);
+    const ErrorCode code = CutIntoWindows(
+        TimedRows(Func::ArrayForm(times).Get()), gap.TimeStamp(), closedLeft, RowSizeOf(*series), {rows, counts});
+    if (code != ERROR_NONE) {
+        LogError("Do time resample failed, error %d", code);
         return {};
     }
     return Samples::MakeSamples(
-        rows, counts, std::shared_ptr<Columns>(series), {timeColumn, labelLeft, closedLeft, gap});
+        std::move(rows), std::move(counts), std::shared_ptr<Columns>(series), {timeColumn, labelLeft, closedLeft, gap});
 }
 
 Samples DataFrame::Resample(unsigned int timeColumn, const DateTime& gap, bool labelLeft, bool closedLeft) const
@@ -52,15 +55,7 @@ Samples DataFrame::Resample(unsigned int timeColumn, const DateTime& gap, bool l
             LogError("there is no rows in dataframe");
             return {};
         }
-        Positions index(times->Size());
-        std::iota(index.begin(), index.end(), 0U);
-        const Error sorted =
-            Func::SortIndexBase<CONTAINER_ARRAY>(index, true, true).ProcessSeries(times->GetIterator());
-        if (sorted.code != ERROR_NONE) {
-            LogError("Do time resample failed, error %d", sorted.code);
-            return {};
-        }
-        return ResampleInner(timeColumn, index, gap, labelLeft, closedLeft);
+        return ResampleInner(timeColumn, gap, labelLeft, closedLeft);
     } catch (...) { // no memory, or more rows than a list has room for
         LogError("out of memory on Resample");
         return {};

@@ -1,7 +1,7 @@
 #include "tessera/grouping/sample_functors.h"
 
 #include <algorithm>
-#include <limits>
+#include <numeric>
 
 #include "tessera/core/data_frame.h"
 #include "tessera/core/flat_call.h"
@@ -12,12 +12,6 @@
 
 namespace MERVO::Tessera::Func {
 namespace {
-
-DateTime NearestMoment(std::int64_t seconds)
-{
-    using Limits = std::numeric_limits<std::int32_t>;
-    return {static_cast<long>(std::clamp<std::int64_t>(seconds, Limits::min(), Limits::max()))};
-}
 
 /// The same rows, -1 as NO_ROW.
 std::span<const std::uint32_t> RowsOf(const std::vector<std::int32_t>& sampleRows)
@@ -117,18 +111,8 @@ SeriesAttr ApplyGroupTimeLabelBase<CID>::GetDstAttr(const Cursor& src) const
 template <ContainerID CID>
 bool ApplyGroupTimeLabelBase<CID>::CheckParams(const Cursor& src, const Cursor& dst) const
 {
-    if (src->GetAttr().typeId != TESSERA_DATETIME || dst->GetAttr().typeId != TESSERA_DATETIME || sampleRows.empty() ||
-        sampleCounts.empty() || gap.TimeStamp() < 0) {
-        return false;
-    }
-    const std::int32_t first = sampleRows.front();
-    const auto absent = std::count(sampleRows.begin(), sampleRows.end(), NO_SAMPLE);
-    std::uint64_t labelled = 0;
-    for (const std::uint32_t count : sampleCounts) {
-        labelled += count;
-    }
-    return first >= 0 && static_cast<std::uint32_t>(first) < src->Length() &&
-        sampleRows.size() - static_cast<std::size_t>(absent) <= src->Length() && labelled == sampleRows.size() &&
+    return src->GetAttr().typeId == TESSERA_DATETIME && dst->GetAttr().typeId == TESSERA_DATETIME &&
+        gap.TimeStamp() >= 0 && AreSamplesOf(src->Length(), sampleRows, sampleCounts) &&
         dst->Length() == sampleRows.size();
 }
 
@@ -138,16 +122,8 @@ ErrorCode ApplyGroupTimeLabelBase<CID>::OnExecute(const Cursor& src, const Curso
 {
     if constexpr (std::is_same_v<T, DateTime>) {
         const auto firstRow = static_cast<std::uint32_t>(sampleRows.front());
-        TimeWindows window(GetValueFromIterator<DateTime>(src, firstRow).TimeStamp(), gap.TimeStamp(), closedLeft);
-        WithPlaces<DateTime>(dst, [&](auto place, auto) {
-            for (const std::uint32_t count : sampleCounts) {
-                const DateTime label = NearestMoment(labelLeft ? window.Start() : window.End());
-                for (std::uint32_t i = 0; i < count; ++i, ++place) {
-                    *place = label;
-                }
-                window.GoOn(1);
-            }
-        });
+        const std::int64_t firstTime = GetValueFromIterator<DateTime>(src, firstRow).TimeStamp();
+        WriteLabels({firstTime, gap.TimeStamp(), closedLeft}, labelLeft, sampleCounts, dst);
         return ERROR_NONE;
     } else {
         return ERROR_GENERAL;

@@ -1,40 +1,39 @@
 #include "tessera/grouping/samples.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "tessera/core/flat_call.h"
 #include "tessera/core/memory_room.h"
 #include "tessera/functors/column_runs.h"
 #include "tessera/functors/table_combination.h"
+#include "tessera/grouping/label_series.h"
 #include "tessera/grouping/sample_functors.h"
 
 namespace MERVO::Tessera {
 namespace {
 
-/// Whether columns like these, but of so many rows, would lie in memory.
-bool HaveRoom(const DataFrame::Columns& columns, std::size_t rows)
+/// The column, if it is one of labels that nobody has seen.
+LabelSeries* UnwrittenLabels(const SeriesPtr& column)
 {
-    std::uint64_t rowBytes = 0;
-    for (const SeriesPtr& column : columns) {
-        rowBytes += column == nullptr ? 0 : CellSizeOf(column->GetTypeId());
-    }
-    return HasRoomFor(rows, rowBytes);
+    auto* const labels = dynamic_cast<LabelSeries*>(column.get());
+    return labels == nullptr || labels->IsWritten() ? nullptr : labels;
 }
 
 } // namespace
 
-Samples::Samples(const std::vector<std::int32_t>& rows, const std::vector<std::uint32_t>& counts,
+Samples::Samples(std::vector<std::int32_t> rows, std::vector<std::uint32_t> counts,
     std::shared_ptr<DataFrame::Columns>&& sharedColumns, const SampleParams& params)
-    : BaseGroups(std::move(sharedColumns), {params.timeColumn}), sampleRows(rows), sampleCounts(counts),
-      labelLeft(params.labelLeft), closedLeft(params.closedLeft), gap(params.gap)
+    : BaseGroups(std::move(sharedColumns), {params.timeColumn}), sampleRows(std::move(rows)),
+      sampleCounts(std::move(counts)), labelLeft(params.labelLeft), closedLeft(params.closedLeft), gap(params.gap)
 {
 }
 
-Samples Samples::MakeSamples(const std::vector<std::int32_t>& rows, const std::vector<std::uint32_t>& counts,
+Samples Samples::MakeSamples(std::vector<std::int32_t> rows, std::vector<std::uint32_t> counts,
     std::shared_ptr<DataFrame::Columns>&& sharedColumns, const SampleParams& params)
 {
     try {
-        Samples samples(rows, counts, std::move(sharedColumns), params);
+        Samples samples(std::move(rows), std::move(counts), std::move(sharedColumns), params);
         if (samples.ReorderRows() == ERROR_NONE) {
             return samples;
         }
@@ -44,12 +43,33 @@ Samples Samples::MakeSamples(const std::vector<std::int32_t>& rows, const std::v
     return {};
 }
 
-/// Fills the column with the sample rows of the one at a position, or with the windows' labels.
-Error Samples::BuildColumn(std::uint32_t position, SeriesPtr& result) const
+Error Samples::BuildLabels(const SeriesPtr& times, SeriesPtr& result) const
+{
+    const Cursor source = times->GetIterator();
+    if (source == nullptr) {
+        return {ERROR_OUT_OF_MEMORY, "out of memory on resampling"};
+    }
+    if (times->GetTypeId() != TESSERA_DATETIME || gap.TimeStamp() < 0 ||
+        !AreSamplesOf(source->Length(), sampleRows, sampleCounts)) {
+        return {ERROR_PARAMETERS_REFUSED, "there is no windows of such rows and counts"};
+    }
+    const auto firstRow = static_cast<std::uint32_t>(sampleRows.front());
+    const TimeWindows first(GetValueFromIterator<DateTime>(source, firstRow).TimeStamp(), gap.TimeStamp(), closedLeft);
+    const auto length = static_cast<std::uint32_t>(sampleRows.size());
+    result = SeriesPtr(new LabelSeries(first, labelLeft, sampleCounts, length, times->GetName()));
+    return {};
+}
+
+/// Fills the column with the sample rows of the one at a position, or with the windows' labels. `isWhole`: no window is
+/// empty.
+Error Samples::BuildColumn(std::uint32_t position, bool isWhole, SeriesPtr& result) const
 {
     const SeriesPtr& source = (*columns)[position];
     if (source == nullptr) {
         return {ERROR_BAD_VALUE, "no column to resample"};
+    }
+    if (position == keyColumns.front()) {
+        return BuildLabels(source, result);
     }
     result = BuildSeries(
         {static_cast<std::uint32_t>(sampleRows.size()), CONTAINER_ARRAY, source->GetTypeId()}, source->GetName());
@@ -58,25 +78,29 @@ Error Samples::BuildColumn(std::uint32_t position, SeriesPtr& result) const
     if (from == nullptr || to == nullptr) {
         return {ERROR_OUT_OF_MEMORY, "out of memory on resampling"};
     }
-    if (position == keyColumns.front()) {
-        const Func::ApplyGroupTimeLabelBase<CONTAINER_ARRAY> labels(
-            sampleRows, sampleCounts, labelLeft, closedLeft, gap);
-        return labels.ProcessSeries(from, to, true);
-    }
-    Error outcome = Func::NanRows<CONTAINER_ARRAY>().ProcessSeries(to);
-    if (outcome.code != ERROR_NONE) {
-        LogError("Generate N rows of NaN values failed, column name is %s, column index is %d",
-            source->GetName().c_str(), static_cast<int>(position));
-        return outcome;
+    if (!isWhole) {
+        Error outcome = Func::NanRows<CONTAINER_ARRAY>().ProcessSeries(to);
+        if (outcome.code != ERROR_NONE) {
+            LogError("Generate N rows of NaN values failed, column name is %s, column index is %d",
+                source->GetName().c_str(), static_cast<int>(position));
+            return outcome;
+        }
     }
     return Func::ApplyGroupOtherColBase<CONTAINER_ARRAY>(sampleRows).ProcessSeries(from, to, true);
 }
 
+Cursor Samples::RowsToAsk(const SeriesPtr& column) const
+{
+    LabelSeries* const labels = UnwrittenLabels(column);
+    return labels == nullptr ? RowsOf(column) : labels->FirstRows();
+}
+
 ErrorCode Samples::BuildColumns(Columns& results) const
 {
+    const bool isWhole = std::find(sampleRows.begin(), sampleRows.end(), NO_SAMPLE) == sampleRows.end();
     for (std::uint32_t position = 0; position < columns->size(); ++position) {
         SeriesPtr result;
-        const Error outcome = BuildColumn(position, result);
+        const Error outcome = BuildColumn(position, isWhole, result);
         if (outcome.code != ERROR_NONE) {
             LogError("%s", outcome.message.c_str());
             return outcome.code;
@@ -114,7 +138,7 @@ ErrorCode Samples::ReorderRows()
             LogError("there is no time column to resample by");
             return ERROR_BAD_VALUE;
         }
-        if (!HaveRoom(*columns, sampleRows.size())) {
+        if (!HasRoomFor(sampleRows.size(), RowSizeOf(*columns))) {
             LogError("Too many rows to resample into: %zu", sampleRows.size());
             return ERROR_OUT_OF_MEMORY;
         }
@@ -135,7 +159,27 @@ void Samples::Show() const { ShowGroups(); }
 ErrorCode Samples::ApplyKey(
     const SeriesPtr& src, const SeriesPtr& dst, const std::vector<std::uint32_t>& dstBegin, bool) const
 {
-    return SelectFirstRows(src, dst, dstBegin);
+    const LabelSeries* const labels = UnwrittenLabels(src);
+    if (labels == nullptr) {
+        return SelectFirstRows(src, dst, dstBegin, false);
+    }
+    return Guarded("ApplyKey", [&]() -> ErrorCode {
+        const Cursor results = dst == nullptr ? nullptr : dst->GetIterator();
+        if (results == nullptr || results->GetAttr().typeId != TESSERA_DATETIME ||
+            dstBegin.size() != groupBegins.size() || results->Length() != dstBegin.back()) {
+            return ERROR_PARAMETERS_REFUSED;
+        }
+        std::vector<std::uint32_t> counts(sampleCounts.size());
+        std::uint32_t group = 0;
+        for (std::size_t window = 0; window < counts.size() && group < groupCount; ++window) {
+            if (sampleCounts[window] != 0) {
+                counts[window] = dstBegin[group + 1] - dstBegin[group];
+                ++group;
+            }
+        }
+        labels->WriteTo(results, counts);
+        return ERROR_NONE;
+    });
 }
 
 ErrorCode Samples::ApplyValue(const Func::UnaryBase& functor, const SeriesPtr& src, const SeriesPtr& dst,

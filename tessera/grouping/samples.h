@@ -28,7 +28,7 @@ public:
     /// No groups.
     Samples() = default;
     /// Keeps what it is given; ReorderRows makes groups of it.
-    Samples(const std::vector<std::int32_t>& rows, const std::vector<std::uint32_t>& counts,
+    Samples(std::vector<std::int32_t> rows, std::vector<std::uint32_t> counts,
         std::shared_ptr<DataFrame::Columns>&& sharedColumns, const SampleParams& params);
     /**
      * Makes windows of the rows of columns, which stay as they are.
@@ -36,7 +36,7 @@ public:
      * @param counts how many rows of the result each window has.
      * @return the windows; none, and the reason in the log, where ReorderRows fails.
      */
-    static Samples MakeSamples(const std::vector<std::int32_t>& rows, const std::vector<std::uint32_t>& counts,
+    static Samples MakeSamples(std::vector<std::int32_t> rows, std::vector<std::uint32_t> counts,
         std::shared_ptr<DataFrame::Columns>&& sharedColumns, const SampleParams& params);
 
     /**
@@ -69,8 +69,12 @@ public:
     bool IsClosedLeft() const { return closedLeft; }
     const DateTime& GetGap() const { return gap; }
 
+protected:
+    Cursor RowsToAsk(const SeriesPtr& column) const override;
+
 private:
-    Error BuildColumn(std::uint32_t position, SeriesPtr& result) const;
+    Error BuildLabels(const SeriesPtr& times, SeriesPtr& result) const;
+    Error BuildColumn(std::uint32_t position, bool isWhole, SeriesPtr& result) const;
     ErrorCode BuildColumns(Columns& results) const;
     Error ApplyGlobally(const UnaryFactory& creator, const SeriesPtr& column, SeriesPtr& result) const;
     std::vector<std::uint32_t> WindowBegins() const;

@@ -1,7 +1,5 @@
 #include "tessera/grouping/time_resample.h"
 
-#include <limits>
-
 #include "tessera/core/data_frame.h"
 #include "tessera/core/flat_call.h"
 #include "tessera/functors/array_form.h"
@@ -9,22 +7,6 @@
 #include "tessera/grouping/time_windows.h"
 
 namespace MERVO::Tessera::Func {
-namespace {
-
-/// The stamps at some positions.
-std::vector<std::int32_t> StampsOf(const Cursor& column, const std::vector<std::uint32_t>& index)
-{
-    const ArrayForm array(column);
-    const DateTime* const cells = CursorAs<CONTAINER_ARRAY, DateTime>(array.Get()).mHead;
-    std::vector<std::int32_t> stamps;
-    stamps.reserve(index.size());
-    for (const std::uint32_t position : index) {
-        stamps.push_back(static_cast<std::int32_t>(cells[position].TimeStamp()));
-    }
-    return stamps;
-}
-
-} // namespace
 
 template <ContainerID CID>
 std::string TimeResampleBase<CID>::GetName() const
@@ -58,8 +40,8 @@ ErrorCode TimeResampleBase<CID>::OnExecute(const Cursor& cursor) const
             return ERROR_BAD_VALUE;
         }
         return Guarded("TimeResample", [&]() -> ErrorCode {
-            return CutIntoWindows(
-                StampsOf(cursor, index), index, gap.TimeStamp(), closedLeft, {sampleRows, sampleCounts});
+            const TimedRows rows(ArrayForm(cursor).Get(), index);
+            return CutIntoWindows(rows, gap.TimeStamp(), closedLeft, sizeof(DateTime), {sampleRows, sampleCounts});
         });
     } else {
         return ERROR_GENERAL;

@@ -41,7 +41,7 @@ private:
  *
  * Windows are counted before anything is appended, in 64 bits: their bounds may lie outside the range of moments. Code
  * 3, with a message: more rows than 32 bits count or than memory can hold, or no memory; 4: a position beyond the
- * column; 5: a width below one second; 1: another value type. Nothing is appended then. Working set: 4 bytes per row.
+ * column; 5: a width below one second; 1: another value type. Nothing is appended then. Working set: 8 bytes per row.
  * @tparam ARGS std::vector<std::uint32_t>& for the index, const DateTime& for the width, bool& (true: windows include
  *         their start), std::vector<std::int32_t>& for the sample rows, std::vector<std::uint32_t>& for the counts.
  */

@@ -430,6 +430,36 @@ TEST_F(Digests, OfOrdersAndGroups)
     });
 }
 
+/// Tables merged by one key and by two; each has rows of the other, and rows of its own.
+template <typename T>
+void AddMerges(Digest& digest)
+{
+    Random random(TYPE_ID_OF<T>);
+    for (const unsigned int rows : {1U, 40U, 1000U}) {
+        const DataFrame all = RandomTable<T>(rows, 3);
+        const auto anyRows = [&](unsigned int from, unsigned int count) {
+            std::vector<std::uint32_t> positions(count);
+            std::generate(positions.begin(), positions.end(), [&] { return from + random.Below(rows - from); });
+            return all.SelectRow(positions);
+        };
+        const DataFrame left = anyRows(0, rows);
+        const DataFrame right = anyRows(rows / 3, rows / 2);
+        for (const auto type : {TESSERA_JOIN_INNER, TESSERA_JOIN_RIGHT, TESSERA_JOIN_LEFT, TESSERA_JOIN_OUTER}) {
+            AddTable(digest, left.Merge(right, {1}, {1}, type, {"_x", "_y"}));
+            AddTable(digest, left.Merge(right, {1, 2}, {1, 2}, type, {"_x", "_y"}));
+        }
+    }
+}
+
+TEST_F(Digests, OfMerges)
+{
+    ForEachFlatType([]<typename T>(std::type_identity<T>) {
+        Digest digest;
+        AddMerges<T>(digest);
+        Settle("merge_" + GetTypeNameById(TYPE_ID_OF<T>), digest);
+    });
+}
+
 TEST_F(Digests, OfGroupEvaluation)
 {
     using namespace Func;

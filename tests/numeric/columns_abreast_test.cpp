@@ -58,7 +58,6 @@ TEST(ColumnsAbreast, GetTheBitsOfEachAlone)
             ASSERT_EQ(table.ReadVectorByCol(columns), 0);
             HoldAgainstEachAlone<Func::Sum>(table);
             HoldAgainstEachAlone<Func::Mean>(table);
-            HoldAgainstEachAlone<Func::Mean>(table, false);
             HoldAgainstEachAlone<Func::Var>(table, 1U);
             HoldAgainstEachAlone<Func::Std>(table, 0U);
         }
