@@ -322,9 +322,9 @@ public:
      * Working set: 4 bytes per row, and some 32 bytes per distinct key (56 per distinct string); 16 bytes per group. A
      * functor other than Sum, Mean, Max, Min, Std and Var takes another 4 bytes per row and a copy of a column.
      * Floating keys are sorted, which takes 29 bytes per row.
-     * @param keys     columns of the table.
-     * @param values   the columns to evaluate.
-     * @param creators one functor for all value columns, or one for each.
+     * @param keys    columns of the table.
+     * @param values  the columns to evaluate.
+     * @param creator a functor for all value columns; in the other form there may be one for each of them.
      * @return the table, or one with the code of SelectCol, or else of BaseGroups::Apply.
      */
     DataFrame Aggregate(const ColumnList& keys, const ColumnList& values, const UnaryFactory& creator) const;

@@ -8,8 +8,8 @@ namespace MERVO::Tessera {
 
 /// Smaller blocks are cheap to get.
 inline constexpr std::size_t SMALLEST_KEPT_BLOCK = std::size_t{256} << 10;
-/// The most bytes that are kept: enough for a table of fifteen million numbers; on a device of 32 bits, which has less, a
-/// sixteenth of that.
+/// The most bytes that are kept: enough for a table of fifteen million numbers; on a device of 32 bits, which has less,
+/// a sixteenth of that.
 inline constexpr std::size_t MOST_KEPT_BYTES = std::size_t{sizeof(void*) == 4 ? 8 : 128} << 20;
 
 /**

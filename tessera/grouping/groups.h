@@ -43,7 +43,8 @@ public:
     /**
      * Makes a table of what a functor makes of each group of each value column, group after group. Columns keep their
      * order and names; on each row of a group's results stands its key.
-     * @param creators one functor for all value columns, or one for each; they all give as many rows.
+     * @param creator a functor for all value columns; in the other form, where there is one for each of them, all give
+     *                as many rows.
      * @return the table, or one with the code: 2: there are no groups, another number of creators, creators that give
      *         different numbers of rows, or a functor that changes the container; 5: a column that has lost its rows
      *         since; 3: no memory; or a functor's code.
