@@ -107,7 +107,10 @@ Positions BaseGroups::FindDstBegins(const UnaryFactory& creator, unsigned int& t
     }
     MovingPart group(rows);
     for (std::uint32_t g = 0; g < groupCount; ++g) {
-        total += functor.GetDstAttr(group.At(groupBegins[g], groupBegins[g + 1] - groupBegins[g])).length;
+        const SeriesAttr attr = functor.GetDstAttr(group.At(groupBegins[g], groupBegins[g + 1] - groupBegins[g]));
+        if (__builtin_add_overflow(total, attr.length, &total)) {
+            throw std::bad_alloc(); // more rows than can be counted
+        }
         begins[g + 1] = total;
     }
     return begins;
