@@ -448,7 +448,7 @@ private:
     ErrorCode InsertPivotKey(const Groups& rows, const std::vector<std::uint32_t>& index, DataFrame& result) const;
     ErrorCode InsertPivotValue(const Groups& rows, const TableParams& params, const SeriesPtr& fill, DataFrame& result);
     /// Fills a column of the result with the source's cells at the given rows.
-    ErrorCode InsertPivotValueSingle(
+    void InsertPivotValueSingle(
         const std::vector<std::uint32_t>& cellRows, const SeriesPtr& source, const SeriesPtr& destination) const;
     std::string GetPivotValueName(
         const TableParams& params, const Groups& columnGroups, unsigned int group, unsigned int value) const;

@@ -19,9 +19,16 @@ void LabelSeries::WriteTo(const Cursor& labels, const std::vector<std::uint32_t>
     WriteLabels(window, labelLeft, otherCounts, labels);
 }
 
+bool LabelSeries::IsWritten() const
+{
+    const std::lock_guard lock(mutex);
+    return cells != nullptr;
+}
+
 Cursor LabelSeries::FirstRows()
 {
     constexpr std::uint32_t MOST = 1024;
+    const std::lock_guard lock(mutex);
     if (firstRows == nullptr) {
         firstRows = BuildSeries(WithLength(attr, std::min(attr.length, MOST)), {});
         const Cursor labels = firstRows->GetIterator();
@@ -32,8 +39,9 @@ Cursor LabelSeries::FirstRows()
     return firstRows->GetIterator();
 }
 
-SeriesPtr& LabelSeries::Cells() const
+const SeriesPtr& LabelSeries::Cells() const
 {
+    const std::lock_guard lock(mutex);
     if (cells == nullptr) {
         SeriesPtr written = BuildSeries(attr, {});
         const Cursor labels = written->GetIterator();

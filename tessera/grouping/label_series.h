@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -12,7 +13,7 @@ namespace MERVO::Tessera {
 /**
  * The time column of samples: an array of DateTime, which is not written before someone asks for a cursor on it.
  *
- * Its cells are large, and windows are mostly evaluated without a look at them.
+ * Its cells are large, and windows are mostly evaluated without a look at them. Threads that only read may ask at once.
  */
 class LabelSeries final : public BaseSeries {
 public:
@@ -31,7 +32,7 @@ public:
     SeriesAttr GetAttr() const override { return attr; }
 
     /// Whether the cells exist, so that they may have been changed since.
-    bool IsWritten() const { return cells != nullptr; }
+    bool IsWritten() const;
     /// A cursor on a copy of the first rows, at most 1024: enough for a functor to tell whether it makes one row of
     /// them. Null without memory.
     Cursor FirstRows();
@@ -40,13 +41,14 @@ public:
 
 private:
     /// Null, as a cursor, without memory.
-    SeriesPtr& Cells() const;
+    const SeriesPtr& Cells() const;
 
     TimeWindows window;
     bool labelLeft;
     std::vector<std::uint32_t> counts;
     SeriesAttr attr;
     std::string name;
+    mutable std::mutex mutex; ///< guards what is made when it is asked for
     mutable SeriesPtr cells;
     SeriesPtr firstRows;
 };

@@ -12,6 +12,7 @@
 #include "tessera/functors/gather.h"
 #include "tessera/functors/table_combination.h"
 #include "tessera/functors/type_cast.h"
+#include "tessera/grouping/group_results.h"
 #include "tessera/grouping/groups.h"
 #include "tessera/operations/select_row.h"
 
@@ -56,8 +57,17 @@ Positions GroupsOfRows(const Groups& groups)
 
 ErrorCode Cast(const Cursor& from, const Cursor& to)
 {
-    return to == nullptr ? ERROR_OUT_OF_MEMORY
-                         : Func::TypeCastBase<CONTAINER_ARRAY>(to->GetAttr().typeId).ProcessSeries(from, to, true).code;
+    return Func::TypeCastBase<CONTAINER_ARRAY>(to->GetAttr().typeId).ProcessSeries(from, to, true).code;
+}
+
+/// A cursor on some rows of a column. Throws std::bad_alloc.
+Cursor RowsOf(const SeriesPtr& column, std::uint32_t begin, std::uint32_t end)
+{
+    Cursor rows = column->GetIterator(begin, end);
+    if (rows == nullptr) {
+        throw std::bad_alloc();
+    }
+    return rows;
 }
 
 /// Makes a column of the given cells and, behind them, the fill, so that cells without a row can be gathered as others
@@ -65,25 +75,19 @@ ErrorCode Cast(const Cursor& from, const Cursor& to)
 ErrorCode WithFillBehind(const SeriesPtr& column, const SeriesPtr& fill, SeriesPtr& result)
 {
     const std::uint32_t rows = column->Size();
-    result = BuildSeries({rows + 1, CONTAINER_ARRAY, column->GetTypeId()}, {});
-    const Cursor cells = result->GetIterator(0, rows);
-    if (cells == nullptr) {
-        return ERROR_OUT_OF_MEMORY;
-    }
-    const ErrorCode code = Func::CopySeries<CONTAINER_ARRAY>().ProcessSeries(column->GetIterator(), cells, true).code;
-    return code != ERROR_NONE ? code : Cast(fill->GetIterator(), result->GetIterator(rows, rows + 1));
+    result = NewColumn({rows + 1, CONTAINER_ARRAY, column->GetTypeId()}, {});
+    const ErrorCode code =
+        Func::CopySeries<CONTAINER_ARRAY>().ProcessSeries(AllOf(column), RowsOf(result, 0, rows), true).code;
+    return code != ERROR_NONE ? code : Cast(fill->GetIterator(), RowsOf(result, rows, rows + 1));
 }
 
-/// The text of a cell; none of a nested table. Throws std::bad_alloc.
+/// The text of a cell; none of a nested table.
 std::string TextOf(const SeriesPtr& column, std::uint32_t row)
 {
-    const SeriesPtr text = BuildSeries({1, CONTAINER_ARRAY, TESSERA_STRING}, {});
-    const Cursor from = column->GetIterator(row, row + 1);
-    const Cursor to = text->GetIterator();
-    if (from == nullptr || to == nullptr) {
-        throw std::bad_alloc();
-    }
-    return Cast(from, to) == ERROR_NONE ? GetValueFromIterator<std::string>(to, 0) : std::string();
+    const SeriesPtr text = NewColumn({1, CONTAINER_ARRAY, TESSERA_STRING}, {});
+    const Cursor to = AllOf(text);
+    return Cast(RowsOf(column, row, row + 1), to) == ERROR_NONE ? GetValueFromIterator<std::string>(to, 0)
+                                                                : std::string();
 }
 
 /// The value type of numbers of so many bytes: `long long` and its like are not the types that columns hold everywhere.
@@ -158,8 +162,8 @@ ErrorCode DataFrame::InsertPivotKey(const Groups& rows, const Positions& index, 
     const Func::SelectRowBase<CONTAINER_ARRAY> selection(firstRows);
     for (const std::uint32_t position : index) {
         const SeriesPtr& key = (*series)[position];
-        SeriesPtr column = BuildSeries(WithLength(key->GetAttr(), rows.GetGroupNum()), key->GetName());
-        const Error outcome = selection.ProcessSeries(key->GetIterator(), column->GetIterator(), true);
+        SeriesPtr column = NewColumn(WithLength(key->GetAttr(), rows.GetGroupNum()), key->GetName());
+        const Error outcome = selection.ProcessSeries(AllOf(key), AllOf(column), true);
         if (outcome.code != ERROR_NONE) {
             result.SetError(outcome);
             return outcome.code;
@@ -180,21 +184,19 @@ std::string DataFrame::GetPivotValueName(
     return name;
 }
 
-ErrorCode DataFrame::InsertPivotValueSingle(
+void DataFrame::InsertPivotValueSingle(
     const Positions& cellRows, const SeriesPtr& source, const SeriesPtr& destination) const
 {
-    const Cursor cells = destination->GetIterator();
-    if (cells == nullptr) {
-        return ERROR_OUT_OF_MEMORY;
-    }
-    Func::Gather(source->GetIterator(), cellRows, cells);
-    return ERROR_NONE;
+    Func::Gather(AllOf(source), cellRows, AllOf(destination));
 }
 
 ErrorCode DataFrame::InsertPivotValue(
     const Groups& rows, const TableParams& params, const SeriesPtr& fill, DataFrame& result)
 {
     const Groups columnGroups = GroupBy(params.columns, false, false, false);
+    if (columnGroups.GetGroupNum() == 0) {
+        return ERROR_OUT_OF_MEMORY; // as there are rows, grouping failed
+    }
     const std::uint32_t rowCount = rows.GetGroupNum();
     const std::uint64_t cellCount =
         std::uint64_t{rowCount} * columnGroups.GetGroupNum(); // with all values, a multiple of it
@@ -224,12 +226,9 @@ ErrorCode DataFrame::InsertPivotValue(
             cellRow = std::min(cellRow, order[place]); // the first of several, which only other creators leave
         }
         for (std::uint32_t v = 0; v < sources.size(); ++v) {
-            SeriesPtr column = BuildSeries({rowCount, CONTAINER_ARRAY, sources[v]->GetTypeId()},
+            SeriesPtr column = NewColumn({rowCount, CONTAINER_ARRAY, sources[v]->GetTypeId()},
                 GetPivotValueName(params, columnGroups, group, v));
-            const ErrorCode code = InsertPivotValueSingle(cellRows, sources[v], column);
-            if (code != ERROR_NONE) {
-                return code;
-            }
+            InsertPivotValueSingle(cellRows, sources[v], column);
             result.series->push_back(std::move(column));
         }
     }

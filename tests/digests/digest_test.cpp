@@ -479,6 +479,41 @@ TEST_F(Digests, OfGroupEvaluation)
     });
 }
 
+TEST_F(Digests, OfWindowsOfTime)
+{
+    Digest digest;
+    Random random(19);
+    for (const unsigned int rows : {1U, 30U, 900U}) {
+        DataFrame table = RandomTable<double>(rows, 2);
+        std::vector<DateTime> times(rows);
+        std::generate(times.begin(), times.end(), [&] { return DateTime(static_cast<long>(random.Below(20000))); });
+        DataFrame stamps;
+        ASSERT_EQ(stamps.ReadVector(times, {rows, 1}), 0);
+        ASSERT_EQ(table.AppendColInplace(stamps), 0);
+        for (const bool isLeft : {false, true}) {
+            const Samples windows = table.Resample(2U, DateTime(61), isLeft, !isLeft);
+            for (const UnaryFactory& make : {Make<Func::Sum>(), Make<Func::Mean>(), Make<Func::CopySeries>()}) {
+                AddTable(digest, windows.Apply(make));
+            }
+            AddTable(digest, windows.Transform(Make<Func::Max>()));
+        }
+    }
+    Settle("resample", digest);
+}
+
+TEST_F(Digests, OfCrossTables)
+{
+    ForEachFlatType([]<typename T>(std::type_identity<T>) {
+        Digest digest;
+        for (const unsigned int rows : {1U, 20U, 300U}) {
+            const DataFrame few = FewRows<T>(rows);
+            AddTable(digest, few.PivotTable<int>({{0}, {1}, {2}}, Make<Func::Max>(), 1));
+            AddTable(digest, few.PivotTable<double>({{0}, {1, 2}, {}}, Make<Func::IdxMax>(), 0.0));
+        }
+        Settle("pivot_" + GetTypeNameById(TYPE_ID_OF<T>), digest);
+    });
+}
+
 TEST_F(Digests, OfDateRanges)
 {
     Random random(7);
