@@ -19,11 +19,6 @@ std::span<const std::uint32_t> RowsOf(const std::vector<std::int32_t>& sampleRow
     return {reinterpret_cast<const std::uint32_t*>(sampleRows.data()), sampleRows.size()};
 }
 
-/// What cells of numbers are written as: a pattern of bits serves all numbers that are 0.
-template <typename T>
-using WrittenAs = typename std::conditional_t<std::is_integral_v<T> && !std::is_same_v<T, bool>, std::make_unsigned<T>,
-    std::type_identity<T>>::type;
-
 template <typename T>
 void FillMissing(const Cursor& cursor)
 {
@@ -58,7 +53,7 @@ template <typename T>
 ErrorCode NanRows<CID>::OnExecute(const Cursor& cursor) const
 {
     return Guarded("NanRows", [&]() -> ErrorCode {
-        FillMissing<WrittenAs<T>>(cursor);
+        FillMissing<T>(cursor);
         return ERROR_NONE;
     });
 }
