@@ -199,10 +199,11 @@ ErrorCode DataFrame::MergeInplace(const DataFrame& right, const std::vector<std:
     const std::vector<std::uint32_t>& rightOn, MERVO_TESSERA_MERGE_JOINTYPE type)
 {
     DataFrame merged = Merge(right, leftOn, rightOn, type, {"_x", "_y"});
-    if (merged.error.code == ERROR_NONE && merged.ColumnCount() != 0) {
+    const ErrorCode code = merged.error.code;
+    if (code == ERROR_NONE && merged.ColumnCount() != 0) {
         *this = std::move(merged);
     }
-    return merged.error.code;
+    return code;
 }
 
 } // namespace MERVO::Tessera

@@ -73,6 +73,6 @@ bool AreSamplesOf(std::uint32_t length, std::span<const std::int32_t> rows, std:
 /// Writes the label of each window, its start or its end, to as many cells of an array or list of DateTime as `counts`
 /// says, up to the cursor's end. A label that no moment can have, before the first one or behind the last one, becomes
 /// that one.
-void WriteLabels(TimeWindows first, bool labelLeft, std::span<const std::uint32_t> counts, const Cursor& labels);
+void WriteLabels(TimeWindows window, bool labelLeft, std::span<const std::uint32_t> counts, const Cursor& labels);
 
 } // namespace MERVO::Tessera

@@ -113,7 +113,7 @@ DataFrame TableOfMarks(const Marks& marks)
     std::array<bool, 512> block;
     for (std::size_t first = 0; first < marks.size();) {
         const std::size_t count = std::min(block.size(), marks.size() - first);
-        std::transform(marks.begin() + first, marks.begin() + first + count, block.begin(),
+        std::transform(marks.data() + first, marks.data() + first + count, block.begin(),
             [](std::uint8_t mark) { return mark != 0; });
         PackBits(block.data(), to, static_cast<std::uint32_t>(count));
         to += static_cast<std::int64_t>(count);
