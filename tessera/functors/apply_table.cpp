@@ -103,7 +103,7 @@ ErrorCode DataFrame::ApplyInplace(const UnaryFactory& factory, const DataFrameRe
     if (!UnaryApplyCheck(run.Name(), src, code)) {
         return code;
     }
-    Columns reduced = Func::ReduceTogether(factory, src);
+    Columns reduced = run.ReduceTogether();
     return ReplaceColumns({FitColumns(src), src.ColumnCount(), false}, [&](unsigned int k, SeriesPtr& result) {
         if (!reduced.empty()) {
             result = std::move(reduced[k]);

@@ -17,31 +17,25 @@ void UnaryRun::Open(unsigned int k, ContainerID container)
     name = column == nullptr ? std::string() : column->GetName();
 }
 
-std::vector<SeriesPtr> ReduceTogether(const UnaryFactory& factory, const DataFrameRef& src)
+std::vector<SeriesPtr> UnaryRun::ReduceTogether()
 {
-    std::vector<Cursor> sources;
-    for (unsigned int k = 0; k < src.ColumnCount(); ++k) {
-        const SeriesPtr& column = src.GetColumn(k);
-        if (ContainerOf(column) != CONTAINER_ARRAY || column == nullptr || column->GetTypeId() != TESSERA_DOUBLE) {
-            return {};
-        }
-        sources.push_back(src.GetSlicedIterator(column));
-        if (sources.back() == nullptr) {
-            return {};
-        }
-    }
-    FunctorSlots<UnaryBase> slots(factory);
-    const UnaryBase& functor = slots.For(CONTAINER_ARRAY);
-    if (sources.size() < 2 || functor.GetDstAttr(sources.front()).length != 1) {
+    const UnaryBase& reducer = slots.For(CONTAINER_ARRAY);
+    if (!reducer.ReducesColumns() || source.ColumnCount() < 2) {
         return {};
     }
     std::vector<SeriesPtr> columns;
+    std::vector<Cursor> cells;
     std::vector<Cursor> results;
-    for (unsigned int k = 0; k < src.ColumnCount(); ++k) {
-        columns.push_back(BuildSeries(functor.GetDstAttr(sources[k]), src.GetColumn(k)->GetName()));
+    for (unsigned int k = 0; k < source.ColumnCount(); ++k) {
+        const SeriesPtr& column = source.GetColumn(k);
+        cells.push_back(SourceContainer(k) == CONTAINER_ARRAY ? source.GetSlicedIterator(column) : nullptr);
+        if (cells.back() == nullptr || cells.back()->GetAttr().typeId != TESSERA_DOUBLE) {
+            return {};
+        }
+        columns.push_back(BuildSeries(reducer.GetDstAttr(cells.back()), column->GetName()));
         results.push_back(columns.back()->GetIterator());
     }
-    return functor.ReduceColumns(sources, results) ? std::move(columns) : std::vector<SeriesPtr>();
+    return reducer.ReduceColumns(cells, results) ? std::move(columns) : std::vector<SeriesPtr>();
 }
 
 ContainerID BinaryRun::SourceContainer(unsigned int k) const

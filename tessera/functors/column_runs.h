@@ -22,6 +22,9 @@ public:
     SeriesAttr DstAttr() const { return functor->GetDstAttr(cursor); }
     std::string ColumnName() const { return name; }
     Error Process(const Cursor& dst) const { return functor->ProcessSeries(cursor, dst, true); }
+    /// Reduces all columns at once, where the functor has a form for that. Gives the results, named as the columns;
+    /// none where it has no such form, or without memory: then the columns are reduced one by one.
+    std::vector<SeriesPtr> ReduceTogether();
 
 private:
     FunctorSlots<UnaryBase> slots;
@@ -30,13 +33,6 @@ private:
     Cursor cursor;
     std::string name;
 };
-
-/**
- * Reduces all columns of a table at once, where the functor has a form for that.
- * @return the results, named as the columns; none where it has none, or without memory: then the columns are reduced
- *         one by one.
- */
-std::vector<SeriesPtr> ReduceTogether(const UnaryFactory& factory, const DataFrameRef& src);
 
 /// One binary operation on its way over the columns of two tables; a table of one column gives it every time.
 class BinaryRun {

@@ -37,6 +37,8 @@ Error NullaryBase::Dispatch(const Cursor& cursor, const NullaryEntry* table, std
 
 bool UnaryBase::ReduceGroups(const Cursor&, const RowGroups&, const Cursor&) const { return false; }
 
+bool UnaryBase::ReducesColumns() const { return false; }
+
 bool UnaryBase::ReduceColumns(std::span<const Cursor>, std::span<const Cursor>) const { return false; }
 
 Error UnaryBase::Dispatch(

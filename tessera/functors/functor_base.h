@@ -78,6 +78,8 @@ public:
      *         then it is run on each group. Throws std::bad_alloc.
      */
     virtual bool ReduceGroups(const Cursor& src, const RowGroups& groups, const Cursor& dst) const;
+    /// Whether the functor may have the form below, so that results are only built for it if it has.
+    virtual bool ReducesColumns() const;
     /**
      * Reduces several columns at a time, each to the bits that a run on it alone makes of it.
      * @return false, and nothing is written, where the functor has no such form for these columns, as most have none:

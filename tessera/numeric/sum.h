@@ -20,6 +20,7 @@ public:
     SeriesAttr GetDstAttr(const Cursor& src) const override;
     bool CheckParams(const Cursor& src, const Cursor& dst) const override;
     bool ReduceGroups(const Cursor& src, const RowGroups& groups, const Cursor& dst) const override;
+    bool ReducesColumns() const override { return true; }
     bool ReduceColumns(std::span<const Cursor> sources, std::span<const Cursor> results) const override;
     template <typename T, typename>
     ErrorCode OnExecute(const Cursor& src, const Cursor& dst) const;

@@ -101,6 +101,28 @@ TEST(GroupBy, BringsRowsIntoTheGroupsOfAModel)
     }
 }
 
+TEST(GroupBy, IsReadForwardsAndBackwards)
+{
+    DataFrame table = TableOf(Column<std::int32_t>("key", {3, 1, 2, 1}));
+    const Groups groups = table.GroupBy({0}, false, true, true);
+    const Groups others = table.GroupBy({0}, false, false, true);
+    GroupReader<Groups> reader(0, groups);
+    const auto key = [&reader] { return CellsOfColumn<std::int32_t>(reader.GetGroup(), 0); };
+    EXPECT_THAT(key(), ElementsAre(1, 1));
+    EXPECT_TRUE(reader++ == GroupReader<Groups>(0, others)) << "the number alone counts";
+    EXPECT_THAT(key(), ElementsAre(2));
+    EXPECT_TRUE(++reader != GroupReader<Groups>(1, groups));
+    EXPECT_THAT(key(), ElementsAre(3));
+    EXPECT_TRUE(reader-- == GroupReader<Groups>(2, groups));
+    EXPECT_THAT(key(), ElementsAre(2));
+    reader -= 1;
+    EXPECT_THAT(key(), ElementsAre(1, 1));
+    reader += 2;
+    EXPECT_TRUE(--reader == GroupReader<Groups>(1, groups));
+    reader -= 2; // before the first group: a number that no group has
+    EXPECT_EQ(reader.GetGroup().ColumnCount() + reader.GetLabel().ColumnCount(), 0U);
+}
+
 TEST(GroupBy, KeepsKeysInAscendingOrderOnlyInPlace)
 {
     DataFrame table = KeyedTable(3, 5);

@@ -400,6 +400,14 @@ TEST(FlatResample, MakesATableOfEachWindow)
     EXPECT_THAT(log.Texts(1),
         ElementsAre("[MERVO_TSR_Resample] Input is nullptr", "[MERVO_TSR_Resample] Input is nullptr",
             "Invalid time gap: 0", "[MERVO_TSR_Resample] Groupby length is zero"));
+    for (AllocationRounds rounds; rounds.Next();) {
+        {
+            const FailingAllocation failing(rounds.Spared());
+            array = MERVO_TSR_Resample(table.Get(), 0, 10, false, false);
+        }
+        ASSERT_EQ(array == nullptr, FailingAllocation::HasFailed()) << rounds.Spared();
+        MERVO_TSR_ReleaseGroupArray(&array);
+    }
 }
 
 } // namespace
