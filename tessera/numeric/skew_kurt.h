@@ -18,6 +18,8 @@ public:
 
     std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& src) const override;
+    bool ReducesColumns() const override { return true; }
+    bool ReduceColumns(std::span<const Cursor> sources, std::span<const Cursor> results) const override;
     template <typename T, typename>
     ErrorCode OnExecute(const Cursor& src, const Cursor& dst) const;
 
@@ -50,6 +52,8 @@ public:
 
     std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& src) const override;
+    bool ReducesColumns() const override { return true; }
+    bool ReduceColumns(std::span<const Cursor> sources, std::span<const Cursor> results) const override;
     template <typename T, typename>
     ErrorCode OnExecute(const Cursor& src, const Cursor& dst) const;
 
