@@ -38,7 +38,16 @@ if [[ -n $render ]]; then
     exec "$RIVALS/report.py" render "$out"
 fi
 
-export TESSERA_BENCH_DATA=${TESSERA_BENCH_DATA:-${TMPDIR:-/tmp}/tessera-bench-data}
+ids=${only:-$(tail -n +2 "$RIVALS/workloads.csv" | cut -d , -f 1 | paste -sd ,)}
+for id in ${ids//,/ }; do
+    grep -q "^$id," "$RIVALS/workloads.csv" || { echo "no workload $id; workloads.csv lists them" >&2; exit 2; }
+done
+for rival in ${rivals//,/ }; do
+    compgen -G "$RIVALS/${rival}_workloads.*" > /dev/null || { echo "no rival $rival" >&2; exit 2; }
+done
+
+TESSERA_BENCH_DATA=$(cd "$start" && realpath -m "${TESSERA_BENCH_DATA:-${TMPDIR:-/tmp}/tessera-bench-data}")
+export TESSERA_BENCH_DATA
 if [[ -z $rivals && -e $TESSERA_BENCH_DATA/complete-v1 ]]; then
     scripts/setup.sh --bench
 else
@@ -52,10 +61,6 @@ if [[ $rivals =~ polars|duckdb ]] && ! cmp -s "$RIVALS/package.json" build/rival
 fi
 scripts/build.sh release -DTESSERA_BUILD_BENCHMARKS=ON -- tessera_benchmarks
 
-ids=${only:-$(tail -n +2 "$RIVALS/workloads.csv" | cut -d , -f 1 | paste -sd ,)}
-for id in ${ids//,/ }; do
-    grep -q "^$id," "$RIVALS/workloads.csv" || { echo "no workload $id in benchmarks/rivals/workloads.csv" >&2; exit 2; }
-done
 # Ours, and the limits that some are held against.
 names=$(awk -F , -v ids=",$ids," 'index(ids, "," $1 ",") {print $1; if ($4) print $4}' "$RIVALS/workloads.csv" |
     sort -u | paste -sd '|')
@@ -76,8 +81,8 @@ measure() { # SYSTEM
     echo "== $1" >&2
     case $1 in
         tessera)
-            bound "$OWN" --benchmark_filter="^($names)\$" --benchmark_min_time=0.2 \
-                --benchmark_min_warmup_time=0.3 --benchmark_repetitions=3 --benchmark_format=json > "$scratch/own.json" &&
+            bound "$OWN" --benchmark_filter="^($names)\$" --benchmark_min_time=0.2 --benchmark_min_warmup_time=0.3 \
+                --benchmark_repetitions=3 --benchmark_format=json > "$scratch/own.json" &&
                 "$RIVALS/report.py" own "$scratch/own.json" --version "$version" ;;
         pandas) bound "$PYTHON" "$RIVALS/pandas_workloads.py" "$TESSERA_BENCH_DATA" "$ids" ;;
         datatable) bound Rscript "$RIVALS/datatable_workloads.R" "$TESSERA_BENCH_DATA" "$ids" ;;

@@ -50,7 +50,9 @@ side <- function(name, key) {
   keys <- if (key == "skey") raw_strings(paste0(name, "/skey"), 9) else raw(paste0(name, "/key"), "integer")
   setnames(data.table(keys, raw(paste0(name, "/value"))), c(key, "value"))
 }
-sides <- function(key) shared(function() list(left = side("join_left", key), right = side("join_right", key), key = key))
+sides <- function(key) {
+  shared(function() list(left = side("join_left", key), right = side("join_right", key), key = key))
+}
 number_sides <- sides("key")
 string_sides <- sides("skey")
 times <- function() data.table(stamp = raw("times/stamp", "integer"), a = raw("times/a"), b = raw("times/b"))

@@ -1,6 +1,6 @@
 // Measures DuckDB: node --expose-gc duckdb_workloads.js DATA_FOLDER ID,ID,...
 //
-// What is timed makes a table of the result of a query. Tables have no row order that a query could name, save by rowid.
+// What is timed makes a table of the result of a query. Tables have no row order that a query could name but by rowid.
 "use strict";
 
 const { DOUBLE, DuckDBDataChunk, DuckDBInstance, INTEGER, VARCHAR } = require("@duckdb/node-api");
@@ -89,8 +89,8 @@ const combining = (operator) => mapping(pair, "pair", (c, k) => `${c} ${operator
 // With rowid as the last key, equal keys keep their order.
 const sorting = (keys) => keeping(g1, `SELECT ${G1_NAMES} FROM g1 ORDER BY ${keys}, rowid`);
 const grouping = (keys, values) => keeping(g1, `SELECT ${keys}, ${values} FROM g1 GROUP BY ${keys}`);
-const joining = (how, key) => keeping(sides,
-    `SELECT ${key}, l.value AS left_value, r.value AS right_value FROM join_left l ${how} JOIN join_right r USING (${key})`);
+const joining = (how, key) => keeping(sides, `SELECT ${key}, l.value AS left_value, r.value AS right_value
+    FROM join_left l ${how} JOIN join_right r USING (${key})`);
 // One thread reads the rows as they lie, and without ORDER BY the window takes them so.
 const rolling = (name, rows) => keeping(num, `SELECT ${
     each((c) => `if(rowid < ${rows - 1}, NULL, ${name}(${c}) OVER above)`, TEN.slice(0, 4))
@@ -137,7 +137,8 @@ const workloads = {
     resample_mean: keeping(times, `WITH minutes AS
         (SELECT stamp // 60 AS minute, avg(a) AS a, avg(b) AS b FROM times GROUP BY minute)
         SELECT to_timestamp(minute * 60) AS stamp, a, b
-        FROM (SELECT unnest(range(min(minute), max(minute) + 1)) AS minute FROM minutes) LEFT JOIN minutes USING (minute)
+        FROM (SELECT unnest(range(min(minute), max(minute) + 1)) AS minute FROM minutes)
+        LEFT JOIN minutes USING (minute)
         ORDER BY minute`),
     rolling_mean_10: rolling("avg", 10),
     rolling_mean_100: rolling("avg", 100),

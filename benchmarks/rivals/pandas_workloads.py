@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Measures pandas: pandas_workloads.py DATA_FOLDER ID,ID,...
 
-Prints a line of JSON for each workload; docs/benchmarks/README.md tells the rules. A workload is what sets its inputs up,
-once for all that share it, and what is timed.
+Prints a line of JSON for each workload; docs/benchmarks/README.md tells the rules. A workload is what sets its inputs
+up, once for all that share it, and what is timed.
 """
 
 import csv

@@ -4,7 +4,6 @@ set terminal svg size 900, 110 + 17 * rows font 'sans-serif,12' background '#fff
 set border 1 linecolor '#202124'
 set title 'Time over that of the best rival, one thread (left of 1: Tessera is ahead)' textcolor '#202124'
 set logscale x
-set xrange [0.01:*]
 set yrange [-rows:1]
 set xtics nomirror textcolor '#202124' format '%g'
 set ytics scale 0 textcolor '#202124'

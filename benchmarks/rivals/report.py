@@ -158,8 +158,8 @@ def limit_table(rows):
 def markdown(results, rows, rivals):
     passes = sorted(set().union(*(row.passes for row in rows)))
     text = "# Results of the comparison\n\n"
-    text += "Made by `scripts/compare.sh` from `results.json`; [the page beside it](README.md) tells what is measured.\n"
-    text += "Times are medians in milliseconds, on one thread. A ratio is Tessera's time over the best rival's: below 1,\n"
+    text += "Made by `scripts/compare.sh` from `results.json`; [the page beside it](README.md) tells what is measured. "
+    text += "Times are\nmedians in milliseconds, on one thread. A ratio is Tessera's time over the best rival's: below 1, "
     text += "Tessera is ahead.\n\n![Ratios](ratios.svg)\n\n## By family\n\n" + family_table(rows)
     text += "\n## By workload\n\n" + workload_table(rows, rivals)
     odd = [f"- `{row.name}`: {', '.join(row.odd)}" for row in rows if row.odd]
@@ -167,12 +167,12 @@ def markdown(results, rows, rivals):
                     if odd else "All systems had the same results, by the sum over all cells.") + "\n"
     limited = limit_table(rows)
     if limited.count("\n") > 2:
-        text += "\n## Where the order of additions is laid down\n\nThe limit is what this machine needs for the additions "
-        text += "alone, over data in its cache.\n\n" + limited
+        text += "\n## Where the order of additions is laid down\n\n"
+        text += "The limit is what this machine needs for the additions alone, over data in its cache.\n\n" + limited
     text += "\n## How it was measured\n\n"
     text += f"Passes over each workload, of which the lowest median counts: {' or '.join(map(str, passes))}.\n\n"
-    text += "".join(f"- {run['date']}, commit {run['commit']}, `{run['command']}`\n  on {run['machine']}\n"
-                    for run in results["runs"])
+    text += "".join(f"- {run['date']}, commit {run['commit']}, `{run['command']}`\n" for run in results["runs"])
+    text += "".join(f"- {machine}\n" for machine in dict.fromkeys(run["machine"] for run in results["runs"]))
     return text + "".join(f"- {system} {version}\n" for system, version in sorted(results["versions"].items()))
 
 
@@ -242,9 +242,9 @@ def main():
     parser.add_argument("--afresh", action="store_true")
     options = parser.parse_args()
     if options.action == "own":
-        for line in own_lines(options.place, options.version):
-            print(json.dumps(line))
-        return
+        lines = list(own_lines(options.place, options.version))
+        print(*map(json.dumps, lines), sep="\n")
+        sys.exit(None if lines else "no benchmark gave a result")
     file = options.place / "results.json"
     results = {} if options.afresh or not file.exists() else json.loads(file.read_text())
     if options.action == "check":
