@@ -56,8 +56,9 @@ def machine():
 
     memory = int(field("/proc/meminfo", "MemTotal").split()[0]) / 2**20
     system = platform.freedesktop_os_release().get("PRETTY_NAME", "Linux")
+    kernel = ".".join(platform.release().split(".")[:2])
     return (f"{field('/proc/cpuinfo', 'model name')}, {os.cpu_count()} processors, {memory:.0f} GiB of memory, "
-            f"{system}, Linux {platform.release()}")
+            f"{system}, Linux {kernel}")
 
 
 def add(results, files, command, commit):
