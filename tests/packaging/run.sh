@@ -67,7 +67,7 @@ links_of_documents_stand() {
         [[ $document == docs/README.md ]] || grep -qF "](${document#docs/})" docs/README.md ||
             { echo "docs/README.md does not link $document"; failed=1; }
     done
-    for document in *.md docs/*.md; do
+    for document in *.md docs/*.md docs/*/*.md; do
         while read -r target; do
             [[ -e $(dirname "$document")/$target ]] || { echo "$document links $target, which is not there"; failed=1; }
         done < <(grep -oE '\]\([^) ]+\.md' "$document" | cut -c 3-)
@@ -91,6 +91,7 @@ check "the README's C++ program" document_program README.md cpp cpp c++ -std=c++
 for document in docs/*.md; do
     [[ $document == docs/README.md ]] || check "$document" document_program "$document" cpp cpp c++ -std=c++20
 done
+check "the comparison's page is what its recorded figures give" benchmarks/rivals/report.py check docs/benchmarks
 check "every page of the guide is in its index, and every link leads somewhere" links_of_documents_stand
 
 scripts/run_suite.py --record packaging $passed $failed
