@@ -50,9 +50,7 @@ ErrorCode GroupTransformBase<CID>::OnExecute(const Cursor& src, const Cursor& ds
     });
 }
 
-template class Unary<GroupTransformBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template const UnaryTable<1> Unary<GroupTransformBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 template class GroupTransformBase<CONTAINER_ARRAY>;
-template class GroupTransform<CONTAINER_ARRAY, std::vector<std::uint32_t>&>;
-template class GroupTransform<CONTAINER_ARRAY, const std::vector<std::uint32_t>&>;
 
 } // namespace MERVO::Tessera::Func

@@ -25,7 +25,7 @@ public:
     ErrorCode OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const;
 };
 
-extern template class Binary<IsIn<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template const BinaryTable<1> Binary<IsIn<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 extern template class IsIn<CONTAINER_ARRAY>;
 
 } // namespace MERVO::Tessera::Func

@@ -52,7 +52,7 @@ private:
  *         reference is read when the functor runs.
  */
 template <ContainerID CID, typename OLD, typename NEW>
-class TESSERA_API Replace final : public ReplaceBase<CID> {
+class Replace final : public ReplaceBase<CID> {
 public:
     Replace(OLD sought, NEW substitute) : oldValue(static_cast<OLD&&>(sought)), newValue(static_cast<NEW&&>(substitute))
     {
@@ -72,7 +72,7 @@ private:
     NEW newValue;
 };
 
-extern template class Unary<ReplaceBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template const UnaryTable<1> Unary<ReplaceBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 extern template class ReplaceBase<CONTAINER_ARRAY>;
 
 } // namespace MERVO::Tessera::Func

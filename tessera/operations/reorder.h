@@ -22,7 +22,7 @@ public:
     ErrorCode OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const;
 };
 
-extern template class Binary<Reorder<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template const BinaryTable<1> Binary<Reorder<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 extern template class Reorder<CONTAINER_ARRAY>;
 
 } // namespace MERVO::Tessera::Func

@@ -52,9 +52,9 @@ private:
     mutable std::uint32_t goingRows = 0;
 };
 
-extern template class Binary<SelectRowByBool<CONTAINER_ARRAY>, MutableArgs::SECOND>;
+extern template const BinaryTable<1> Binary<SelectRowByBool<CONTAINER_ARRAY>, MutableArgs::SECOND>::transformTable;
 extern template class SelectRowByBool<CONTAINER_ARRAY>;
-extern template class Binary<DropRowByBool<CONTAINER_ARRAY>, MutableArgs::SECOND>;
+extern template const BinaryTable<1> Binary<DropRowByBool<CONTAINER_ARRAY>, MutableArgs::SECOND>::transformTable;
 extern template class DropRowByBool<CONTAINER_ARRAY>;
 
 } // namespace MERVO::Tessera::Func

@@ -30,7 +30,8 @@ private:
     INDEX index;
 };
 
-extern template class Nullary<Unique<CONTAINER_ARRAY, std::vector<std::uint32_t>&>, MutableArgs::SOURCE>;
+extern template const NullaryTable<1>
+    Nullary<Unique<CONTAINER_ARRAY, std::vector<std::uint32_t>&>, MutableArgs::SOURCE>::transformTable;
 extern template class Unique<CONTAINER_ARRAY, std::vector<std::uint32_t>&>;
 
 } // namespace MERVO::Tessera::Func
