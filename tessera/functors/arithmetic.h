@@ -30,6 +30,8 @@ enum ArithOpType : std::uint32_t { ADDITION = 0, SUBTRACTION = 1, MULTIPLICATION
 template <ContainerID CID, Arith::ArithOpType OP>
 class TESSERA_API BinaryArith : public Binary<BinaryArith<CID, OP>, MutableArgs::SOURCE> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& lhs, const Cursor& rhs) const override;
     bool CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const override;

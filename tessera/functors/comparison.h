@@ -26,6 +26,8 @@ bool CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst);
 template <typename F, MutableArgs ARG>
 class TESSERA_API CompareCommon : public Binary<F, ARG> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& lhs, const Cursor& rhs) const override;
     bool CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const override;

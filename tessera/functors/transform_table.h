@@ -8,13 +8,24 @@
 
 namespace MERVO::Tessera::Func {
 
-/// True where a functor's kernel looks at the destination's type. One that says `kDestinationAltersKernel = false` is
-/// instantiated once per source type, which keeps fourteen times the code out of the library.
+/// Which value types pick an instantiation of a functor's kernel. One that says `kDestinationAltersKernel = false` is
+/// instantiated once per source type, one that says `kValueTypesAlterKernel = false`, since it asks the cursors itself,
+/// once at all; that keeps many times the code out of the library.
 template <typename F>
 consteval bool DestinationAltersKernel()
 {
     if constexpr (requires { F::kDestinationAltersKernel; }) {
         return F::kDestinationAltersKernel;
+    } else {
+        return true;
+    }
+}
+
+template <typename F>
+consteval bool ValueTypesAlterKernel()
+{
+    if constexpr (requires { F::kValueTypesAlterKernel; }) {
+        return F::kValueTypesAlterKernel;
     } else {
         return true;
     }
@@ -44,12 +55,14 @@ struct TransformTable<CALLER, F, 0> {
 
 template <CallerID CALLER, typename F>
 struct TransformTable<CALLER, F, 1> {
+    template <std::size_t TYPE>
+    static consteval auto EntryFor()
+    {
+        return &Caller<CALLER>::template Run<F, ValueTypes::At<ValueTypesAlterKernel<F>() ? TYPE : 0>>;
+    }
     static consteval auto Make()
     {
-        return []<std::size_t... I>(std::index_sequence<I...>)
-        {
-            return std::array{&Caller<CALLER>::template Run<F, ValueTypes::At<I>>...};
-        }
+        return []<std::size_t... I>(std::index_sequence<I...>) { return std::array{EntryFor<I>()...}; }
         (std::make_index_sequence<ValueTypes::COUNT>{});
     }
 };
@@ -59,8 +72,9 @@ struct TransformTable<CALLER, F, 2> {
     template <std::size_t SRC, std::size_t DST>
     static consteval auto EntryFor()
     {
-        constexpr std::size_t SERVED = DestinationAltersKernel<F>() ? DST : SRC;
-        return &Caller<CALLER>::template Run<F, ValueTypes::At<SRC>, ValueTypes::At<SERVED>>;
+        constexpr std::size_t FROM = ValueTypesAlterKernel<F>() ? SRC : 0;
+        constexpr std::size_t TO = !ValueTypesAlterKernel<F>() ? 0 : DestinationAltersKernel<F>() ? DST : SRC;
+        return &Caller<CALLER>::template Run<F, ValueTypes::At<FROM>, ValueTypes::At<TO>>;
     }
     static consteval auto Make()
     {

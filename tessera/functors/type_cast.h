@@ -11,7 +11,7 @@ template <ContainerID CID>
 class TESSERA_API TypeCastBase : public Unary<TypeCastBase<CID>, MutableArgs::SOURCE, MutableArgs::DESTINATION> {
 public:
     /// Both types pick the kernel, but at run time: most of the pairs share theirs with others.
-    static constexpr bool kDestinationAltersKernel = false;
+    static constexpr bool kValueTypesAlterKernel = false;
 
     explicit TypeCastBase(MERVO_TESSERA_TYPEID typeId) : target(typeId) {}
 

@@ -11,6 +11,8 @@ namespace MERVO::Tessera::Func {
 template <ContainerID CID>
 class TESSERA_API AssignIndexBase : public Unary<AssignIndexBase<CID>, MutableArgs::DESTINATION> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     explicit AssignIndexBase(const std::vector<std::uint32_t>& sourceRows) : rows(sourceRows) {}
 
     std::string GetName() const override;

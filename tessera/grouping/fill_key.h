@@ -10,6 +10,8 @@ namespace MERVO::Tessera::Func {
 template <ContainerID CID>
 class TESSERA_API FillKeyBase : public Binary<FillKeyBase<CID>, MutableArgs::DESTINATION> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     FillKeyBase(const std::vector<std::uint32_t>& leftRows, const std::vector<std::uint32_t>& rightRows)
         : left(leftRows), right(rightRows)
     {

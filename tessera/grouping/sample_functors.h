@@ -22,6 +22,8 @@ public:
 template <ContainerID CID>
 class TESSERA_API ApplyGroupOtherColBase : public Unary<ApplyGroupOtherColBase<CID>, MutableArgs::DESTINATION> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     explicit ApplyGroupOtherColBase(const std::vector<std::int32_t>& rows) : sampleRows(rows) {}
 
     std::string GetName() const override;

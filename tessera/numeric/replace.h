@@ -16,6 +16,8 @@ struct ReplaceArgument {
 template <ContainerID CID>
 class TESSERA_API ReplaceBase : public Unary<ReplaceBase<CID>, MutableArgs::DESTINATION> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     ReplaceBase() = default;
     ReplaceBase(const ReplaceBase&) = delete; // the arguments may lie within the object
     ReplaceBase& operator=(const ReplaceBase&) = delete;

@@ -8,6 +8,8 @@ namespace MERVO::Tessera::Func {
 template <ContainerID CID>
 class TESSERA_API RoundBase : public Unary<RoundBase<CID>, MutableArgs::DESTINATION> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     explicit RoundBase(std::uint32_t places) : decimals(places) {}
 
     std::string GetName() const override;

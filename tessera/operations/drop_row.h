@@ -17,6 +17,8 @@ namespace Func {
 template <ContainerID CID>
 class TESSERA_API DropRowBase : public Unary<DropRowBase<CID>, MutableArgs::DESTINATION> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     explicit DropRowBase(const std::set<std::uint32_t>& rows) : listed(&rows) {}
     explicit DropRowBase(const DroppedRows& rows) : marked(&rows) {}
 

@@ -15,6 +15,8 @@ namespace MERVO::Tessera::Func {
 template <ContainerID CID>
 class TESSERA_API Reorder final : public Binary<Reorder<CID>, MutableArgs::DESTINATION> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& lhs, const Cursor& rhs) const override;
     bool CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const override;

@@ -28,6 +28,8 @@ ErrorCode Execute(const Cursor& filter, const Cursor& src, bool wanted, const Cu
 template <ContainerID CID>
 class TESSERA_API SelectRowByBool final : public Binary<SelectRowByBool<CID>, MutableArgs::SECOND> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& filter, const Cursor& src) const override;
     bool CheckParams(const Cursor& filter, const Cursor& src, const Cursor& dst) const override;
@@ -42,6 +44,8 @@ private:
 template <ContainerID CID>
 class TESSERA_API DropRowByBool final : public Binary<DropRowByBool<CID>, MutableArgs::SECOND> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& filter, const Cursor& src) const override;
     bool CheckParams(const Cursor& filter, const Cursor& src, const Cursor& dst) const override;

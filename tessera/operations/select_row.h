@@ -13,6 +13,8 @@ namespace MERVO::Tessera::Func {
 template <ContainerID CID>
 class TESSERA_API SelectRowBase : public Unary<SelectRowBase<CID>, MutableArgs::DESTINATION> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     explicit SelectRowBase(const std::vector<std::uint32_t>& positions) : index(positions) {}
 
     std::string GetName() const override;

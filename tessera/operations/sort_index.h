@@ -10,6 +10,8 @@ namespace MERVO::Tessera::Func {
 template <ContainerID CID>
 class TESSERA_API SortIndexBase : public Nullary<SortIndexBase<CID>, MutableArgs::DESTINATION> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     explicit SortIndexBase(std::vector<std::uint32_t>& positions, bool isAscending, bool isSorted = true)
         : index(positions), ascending(isAscending), sorted(isSorted)
     {

@@ -18,6 +18,8 @@ namespace MERVO::Tessera::Func {
 template <ContainerID CID, typename INDEX>
 class TESSERA_API Unique final : public Nullary<Unique<CID, INDEX>, MutableArgs::SOURCE> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     explicit Unique(INDEX positions) : index(positions) {}
 
     std::string GetName() const override;
