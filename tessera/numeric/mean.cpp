@@ -126,6 +126,7 @@ ErrorCode Mean<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
 }
 
 template class Mean<CONTAINER_ARRAY>;
-template class Unary<Mean<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
+template const UnaryTable<2>
+    Unary<Mean<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 
 } // namespace MERVO::Tessera::Func

@@ -112,6 +112,6 @@ ErrorCode Sum<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
 }
 
 template class Sum<CONTAINER_ARRAY>;
-template class Unary<Sum<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
+template const UnaryTable<2> Unary<Sum<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 
 } // namespace MERVO::Tessera::Func

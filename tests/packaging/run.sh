@@ -86,6 +86,10 @@ check "C host, CMake package" by_cmake c_host
 check "C++ host, CMake package" by_cmake cpp_host
 check "C host, pkg-config" by_pkg_config cc -std=c99 -pedantic tests/packaging/c_host/host.c
 check "C++ host, pkg-config" by_pkg_config c++ -std=c++20 tests/packaging/cpp_host/host.cpp
+for level in 0 2; do
+    check "every functor, compiled with -O$level" by_pkg_config \
+        c++ -std=c++20 "-O$level" tests/packaging/cpp_host/every_functor.cpp
+done
 check "the README's C program" document_program README.md c c cc -std=c99 -pedantic
 check "the README's C++ program" document_program README.md cpp cpp c++ -std=c++20
 for document in docs/*.md; do
