@@ -8,6 +8,7 @@
 
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
+#include "tessera/core/scattered.h"
 #include "tessera/functors/assign_text.h"
 #include "tessera/functors/gather.h"
 
@@ -42,13 +43,11 @@ template <typename T>
 void MoveCells(const Cursor& from, Positions positions, const Cursor& to)
 {
     if constexpr (OWNS_MEMORY<T>) {
-        constexpr std::size_t AHEAD = 16; // memory answers later than the processor looks
         T* const source = CursorAs<CONTAINER_ARRAY, T>(from).mHead;
-        T* target = CursorAs<CONTAINER_ARRAY, T>(to).mHead;
-        for (std::size_t i = 0; i < positions.size(); ++i, ++target) {
-            __builtin_prefetch(source + positions[std::min(i + AHEAD, positions.size() - 1)]);
-            MoveCell(*target, source[positions[i]]);
-        }
+        T* const target = CursorAs<CONTAINER_ARRAY, T>(to).mHead;
+        VisitScattered(
+            positions.size(), [source, positions](std::size_t i) { return source + positions[i]; },
+            [target](std::size_t i, T* cell) { MoveCell(target[i], *cell); });
     } else {
         Func::Gather(from, positions, to);
     }
