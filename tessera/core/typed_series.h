@@ -44,6 +44,7 @@ template <typename T, ContainerID CID>
 class Series final : public BaseSeries {
 public:
     explicit Series(const SeriesAttr& seriesAttr) : storage(seriesAttr.length), attr(seriesAttr) {}
+    Series(const SeriesAttr& seriesAttr, RawCells cells) : storage(seriesAttr.length, cells), attr(seriesAttr) {}
 
     std::uint32_t Size() const override { return StorageOf<CID, T>::Count(storage); }
     MERVO_TESSERA_TYPEID GetTypeId() const override { return attr.typeId; }
@@ -73,6 +74,11 @@ public:
         return Cursor(new (std::nothrow) Iterator<CID, T>(head, tail, WithLength(attr, length)));
     }
     SeriesAttr GetAttr() const override { return attr; }
+
+    /// The first cell of an array, null without a block.
+    T* FirstCell() { return storage.data; }
+    /// Takes it that the cells have been destroyed, all of them; nothing but that may follow for the column.
+    void Forget() { storage.Forget(); }
 
 private:
     using Storage = typename StorageOf<CID, T>::Type;
