@@ -42,6 +42,7 @@ template <typename T, ContainerID CID>
 class Series final : public NamedSeries {
 public:
     explicit Series(const SeriesAttr& seriesAttr) : NamedSeries(seriesAttr), storage(seriesAttr.length) {}
+    Series(const SeriesAttr& seriesAttr, RawCells cells) : NamedSeries(seriesAttr), storage(seriesAttr.length, cells) {}
 
     std::uint32_t Size() const override { return StorageOf<CID, T>::Count(storage); }
     void Print(unsigned int begin, unsigned int end) const override
@@ -66,6 +67,11 @@ public:
         const auto length = static_cast<std::uint32_t>(tail - head);
         return Cursor(new (std::nothrow) Iterator<CID, T>(head, tail, WithLength(attr, length)));
     }
+
+    /// The first cell of an array, null without a block.
+    T* FirstCell() { return storage.data; }
+    /// Takes it that the cells have been destroyed, all of them; nothing but that may follow for the column.
+    void Forget() { storage.Forget(); }
 
 private:
     using Storage = typename StorageOf<CID, T>::Type;

@@ -11,6 +11,7 @@
 #include "tessera/core/bit_bytes.h"
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
+#include "tessera/core/scattered.h"
 #include "tessera/functors/assign_text.h"
 #include "tessera/functors/element_walk.h"
 #include "tessera/functors/missing_cell.h"
@@ -19,9 +20,6 @@ namespace MERVO::Tessera::Func {
 namespace {
 
 using Positions = std::span<const std::uint32_t>;
-
-/// So many elements ahead of the copy, large elements are asked for: memory answers later than the processor looks.
-constexpr std::size_t AHEAD = 16;
 
 /// A number as its bytes, so that numbers of one size share their code.
 template <std::size_t SIZE>
@@ -78,9 +76,7 @@ struct EitherColumn {
 template <typename Cell, typename PlaceOf>
 void CopyNumbers(PlaceOf placeOf, Cell* to, std::size_t count)
 {
-    for (std::size_t i = 0; i < count; ++i) {
-        std::memcpy(to + i, placeOf(i), sizeof(Cell));
-    }
+    VisitScattered(count, placeOf, [to](std::size_t i, const Cell* from) { std::memcpy(to + i, from, sizeof(Cell)); });
 }
 
 template <typename PlaceOf>
@@ -110,10 +106,7 @@ void Assign(DataFrame& cell, const DataFrame& table)
 template <typename T, typename PlaceOf>
 void CopyLarge(PlaceOf placeOf, T* to, std::size_t count)
 {
-    for (std::size_t i = 0; i < count; ++i) {
-        __builtin_prefetch(placeOf(std::min(i + AHEAD, count - 1)));
-        Assign(to[i], *placeOf(i));
-    }
+    VisitScattered(count, placeOf, [to](std::size_t i, const T* from) { Assign(to[i], *from); });
 }
 
 template <typename T, typename PlaceOf>

@@ -14,22 +14,15 @@
 namespace MERVO::Tessera::Func {
 namespace {
 
-struct Release {
-    void operator()(void* block) const { FreeBlock(block); }
-};
-template <typename T>
-using Room = std::unique_ptr<T[], Release>;
-
 /// Zeros, or null without memory.
 template <typename T>
-Room<T> MakeRoom(std::uint64_t count)
+Block<T> MakeZeros(std::uint64_t count)
 {
-    void* const block = count > SIZE_MAX ? nullptr : AllocateBlock(static_cast<std::size_t>(count), sizeof(T));
-    T* const first = static_cast<T*>(block);
-    if (first != nullptr) {
-        std::uninitialized_value_construct_n(first, static_cast<std::size_t>(count));
+    Block<T> block = count > SIZE_MAX ? nullptr : MakeBlock<T>(static_cast<std::size_t>(count));
+    if (block != nullptr) {
+        std::uninitialized_value_construct_n(block.get(), static_cast<std::size_t>(count));
     }
-    return Room<T>(first);
+    return block;
 }
 
 /// Writes results to a column, in order, as far as it reaches.
@@ -92,9 +85,9 @@ public:
         const std::uint32_t least = std::max(run.blockRows, run.param.window);
         blockRows = std::min(least, left);
         const std::uint64_t buffered = std::uint64_t{before} + blockRows;
-        values = MakeRoom<Real>(buffered + WINDOW_SLACK);
-        isMissing = MakeRoom<bool>(buffered);
-        sums = MakeRoom<Real>(std::uint64_t{blockRows} + WINDOW_SLACK);
+        values = MakeZeros<Real>(buffered + WINDOW_SLACK);
+        isMissing = MakeZeros<bool>(buffered);
+        sums = MakeZeros<Real>(std::uint64_t{blockRows} + WINDOW_SLACK);
     }
     bool HasRoom() const { return values != nullptr && isMissing != nullptr && sums != nullptr; }
 
@@ -225,9 +218,9 @@ private:
     std::uint32_t taken = 0; ///< elements read
     std::uint32_t left;      ///< results still to come
     std::uint32_t blockRows;
-    Room<Real> values;
-    Room<bool> isMissing;
-    Room<Real> sums;
+    Block<Real> values;
+    Block<bool> isMissing;
+    Block<Real> sums;
 };
 
 /// Whether two columns share no cell of an array of Reals.

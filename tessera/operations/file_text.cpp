@@ -10,6 +10,7 @@
 #include <limits>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 #include "tessera/platform/logger.h"
 
@@ -48,12 +49,12 @@ ErrorCode FileText::Open(const std::string& path, std::size_t guardSize)
 bool FileText::Reserve(std::size_t wanted)
 {
     const std::size_t room = wanted + guard;
-    auto* const block = room < wanted ? nullptr : static_cast<char*>(AllocateBlock(room, 1));
+    Block<char> block = room < wanted ? nullptr : MakeBlock<char>(room);
     if (block == nullptr) {
         return false;
     }
-    std::copy_n(bytes.get(), size, block);
-    bytes.reset(block);
+    std::copy_n(bytes.get(), size, block.get());
+    bytes = std::move(block);
     capacity = wanted;
     return true;
 }
