@@ -12,7 +12,7 @@ for option in "$@"; do
         --demo) packages+=(gnuplot-nox) ;;
         --docs) packages+=(doxygen) ;;
         --ci) packages+=(g++-arm-linux-gnueabihf qemu-user googletest libbenchmark-dev
-            git clang clang-format clang-tidy libclang-rt-14-dev doxygen gnuplot-nox) ;;
+            git clang clang-format clang-tidy libclang-rt-14-dev doxygen gnuplot-nox abigail-tools) ;;
         *) echo "usage: scripts/setup.sh [--arm] [--bench] [--demo] [--docs] [--ci]" >&2; exit 2 ;;
     esac
 done
