@@ -142,8 +142,10 @@ TEST(Threads, ReadCommonColumns)
         ExpectSameInAll([&](std::size_t thread) {
             const OwnFile file(thread);
             Digest digest;
+            DataFrame shared; // as a table of this thread
+            shared.ShallowCopy(table);
             const DataFrameRef own = window;
-            AddReadings<T>(digest, table, own, file);
+            AddReadings<T>(digest, shared, own, file);
             digest.Add(own.GetColumnName().at(1));
             return digest.Hex();
         });
