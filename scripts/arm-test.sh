@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-readonly BUDGET=$((3 * 512 * 1024)) # 1.5 MiB
+readonly BUDGET=$((1024 * 1024)) # 1 MiB
 readonly RECORD=tests/arm_size.txt
 
 [[ -n ${TESSERA_HOLD_TOTAL:-} ]] || rm -f build/test_counts.txt

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing from Debian's packages: what a native build and its tests need, and more for the options.
 # Silent when nothing is missing.
-#   scripts/setup.sh [--arm] [--bench] [--demo] [--docs] [--coverage] [--ci]
+#   scripts/setup.sh [--arm] [--bench] [--compare] [--demo] [--docs] [--coverage] [--ci]
 set -euo pipefail
 
 packages=(g++ cmake ninja-build ccache python3 pkg-config libgtest-dev libgmock-dev tzdata)
@@ -9,12 +9,17 @@ for option in "$@"; do
     case $option in
         --arm) packages+=(g++-arm-linux-gnueabihf qemu-user googletest) ;;
         --bench) packages+=(libbenchmark-dev) ;;
+        --compare) packages+=(libbenchmark-dev gnuplot-nox python3-numpy python3-pandas python3-numexpr
+            python3-bottleneck r-base-core r-cran-data.table)
+            # Other packages of Node.js bring npm along, and refuse the company of Debian's.
+            command -v node > /dev/null || packages+=(nodejs)
+            command -v npm > /dev/null || packages+=(npm) ;;
         --demo) packages+=(gnuplot-nox) ;;
         --docs) packages+=(doxygen) ;;
         --coverage) packages+=(gcovr) ;;
         --ci) packages+=(g++-arm-linux-gnueabihf qemu-user googletest libbenchmark-dev
             git clang clang-format clang-tidy libclang-rt-14-dev doxygen gnuplot-nox abigail-tools) ;;
-        *) echo "usage: scripts/setup.sh [--arm] [--bench] [--demo] [--docs] [--coverage] [--ci]" >&2; exit 2 ;;
+        *) echo "usage: scripts/setup.sh [--arm] [--bench] [--compare] [--demo] [--docs] [--coverage] [--ci]" >&2; exit 2 ;;
     esac
 done
 

@@ -9,9 +9,11 @@
 #include "tessera/core/bit_position.h"
 #include "tessera/core/block.h"
 #include "tessera/platform/export.h"
-#include "tessera/platform/logger.h"
 
 namespace MERVO::Tessera {
+
+/// A block for the cells of an array; null, with an error in the log, where there is no memory, and for no cells.
+void* AllocateCells(std::uint32_t count, std::size_t cellSize) noexcept;
 
 /**
  * Owner of the heap block behind a column.
@@ -25,16 +27,11 @@ class DynamicArray {
 public:
     explicit DynamicArray(std::uint32_t count) : size(count)
     {
-        if (count == 0) {
-            return;
+        Block block(AllocateCells(count, sizeof(T)));
+        if (block != nullptr) {
+            std::uninitialized_default_construct_n(static_cast<T*>(block.get()), count);
+            data = static_cast<T*>(block.release());
         }
-        Block block(AllocateBlock(count, sizeof(T)));
-        if (block == nullptr) {
-            LogError("Failed to create dynamic array, size %zu", static_cast<std::size_t>(count));
-            return;
-        }
-        std::uninitialized_default_construct_n(static_cast<T*>(block.get()), count);
-        data = static_cast<T*>(block.release());
     }
     DynamicArray(const DynamicArray&) = delete;
     DynamicArray& operator=(const DynamicArray&) = delete;

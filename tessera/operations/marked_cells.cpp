@@ -56,8 +56,9 @@ std::byte* CopyWithoutBranches(const std::byte* from, Word word, std::byte* to)
     return to;
 }
 
+/// Compiled once per width; inlined, it would be there once per value type.
 template <std::size_t WIDTH>
-void CopyBytes(
+[[gnu::noinline]] void CopyBytes(
     const std::byte* from, BitPosition marks, std::uint32_t count, bool wanted, std::byte* to, std::uint32_t room)
 {
     constexpr std::uint32_t FEW = 16; // from here on, 64 copies take less time than these and a wrong guess
