@@ -70,11 +70,14 @@ ErrorCode DataFrameView::RefreshColumnName() const
         nameToIndex = std::make_shared<NameMap>();
         for (std::size_t i = 0; i < series->size() && (*series)[i] != nullptr; ++i) {
             std::string name = (*series)[i]->GetName();
-            while (nameToIndex->count(name) != 0) {
+            bool isRenamed = false;
+            for (; nameToIndex->count(name) != 0; isRenamed = true) {
                 name += "_1"; // the count of uses, which never passes 1: only the name that is free at last is taken
             }
             nameToIndex->emplace(name, static_cast<unsigned int>(i));
-            (*series)[i]->SetName(std::move(name));
+            if (isRenamed) { // else nothing is written: other threads may be reading the column through their slices
+                (*series)[i]->SetName(std::move(name));
+            }
         }
     } catch (const std::bad_alloc&) {
         SetError({ERROR_OUT_OF_MEMORY, "out of memory on refreshing view."});
