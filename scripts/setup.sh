@@ -8,11 +8,11 @@ packages=(g++ cmake ninja-build ccache python3 pkg-config libgtest-dev libgmock-
 for option in "$@"; do
     case $option in
         --arm) packages+=(g++-arm-linux-gnueabihf qemu-user googletest) ;;
-        --bench) packages+=(libbenchmark-dev) ;;
+        --bench) packages+=(libbenchmark-dev valgrind gnuplot-nox) ;;
         --demo) packages+=(gnuplot-nox) ;;
         --docs) packages+=(doxygen) ;;
         --ci) packages+=(g++-arm-linux-gnueabihf qemu-user googletest libbenchmark-dev
-            git clang clang-format clang-tidy libclang-rt-14-dev doxygen gnuplot-nox) ;;
+            git clang clang-format clang-tidy libclang-rt-14-dev doxygen gnuplot-nox valgrind) ;;
         *) echo "usage: scripts/setup.sh [--arm] [--bench] [--demo] [--docs] [--ci]" >&2; exit 2 ;;
     esac
 done
