@@ -8,7 +8,7 @@ packages=(g++ cmake ninja-build ccache python3 pkg-config libgtest-dev libgmock-
 for option in "$@"; do
     case $option in
         --arm) packages+=(g++-arm-linux-gnueabihf qemu-user googletest) ;;
-        --bench) packages+=(libbenchmark-dev) ;;
+        --bench) packages+=(libbenchmark-dev valgrind gnuplot-nox) ;;
         --compare) packages+=(libbenchmark-dev gnuplot-nox python3-numpy python3-pandas python3-numexpr
             python3-bottleneck r-base-core r-cran-data.table)
             # Other packages of Node.js bring npm along, and refuse the company of Debian's.
@@ -18,7 +18,7 @@ for option in "$@"; do
         --docs) packages+=(doxygen) ;;
         --coverage) packages+=(gcovr) ;;
         --ci) packages+=(g++-arm-linux-gnueabihf qemu-user googletest libbenchmark-dev
-            git clang clang-format clang-tidy libclang-rt-14-dev doxygen gnuplot-nox abigail-tools) ;;
+            git clang clang-format clang-tidy libclang-rt-14-dev doxygen gnuplot-nox abigail-tools valgrind) ;;
         *) echo "usage: scripts/setup.sh [--arm] [--bench] [--compare] [--demo] [--docs] [--coverage] [--ci]" >&2; exit 2 ;;
     esac
 done
