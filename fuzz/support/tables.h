@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+
+#include "tessera/tessera.hpp"
+
+namespace MERVO::Tessera::Fuzz {
+
+/// A number that differs, most likely, between tables or windows that differ in their code, shape, names, value types,
+/// containers, or in a bit of a cell. All cells are read, and names become unique.
+std::uint64_t DigestOf(const DataFrameRef& table);
+
+/// Requires that a table or window is in one piece: a code that is documented, columns as the shape says, names that
+/// are unique once they are refreshed. A window may have lost columns or rows to changes of its table; it says so then
+/// by null.
+void RequireSound(const DataFrameRef& table);
+
+/// Whether a change of the cells of one may show in the other.
+bool ShareColumns(const DataFrameRef& one, const DataFrameRef& other);
+
+bool IsDocumented(ErrorCode code);
+
+} // namespace MERVO::Tessera::Fuzz
