@@ -56,8 +56,8 @@ Form DrawForm(Inputs& inputs)
 {
     Form form;
     const auto kind = inputs.Below(8);
-    form.separator = kind == 0 ? inputs.ConsumeRandomLengthString(4)
-                               : std::array{",", ";", "\t", "||", "aab", ", ", "|"}[kind - 1];
+    form.separator =
+        kind == 0 ? inputs.ConsumeRandomLengthString(4) : std::array{",", ";", "\t", "||", "aab", ", ", "|"}[kind - 1];
     form.hasHeader = inputs.ConsumeBool();
     return form;
 }
@@ -65,7 +65,7 @@ Form DrawForm(Inputs& inputs)
 ErrorCode Read(DataFrame& table, const std::string& path, const Form& form)
 {
     const ErrorCode code = table.ReadCSV(path, form.types, form.hasHeader, form.separator);
-    RequireSound(table);
+    RequireSound(table, true);
     return code;
 }
 

@@ -3,9 +3,6 @@
 // over. After each call its code is one that is documented, every table is in one piece, and nothing has changed that
 // the call was not to change. Input: the calls, by their number in the table below, and their arguments.
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <iterator>
@@ -15,7 +12,9 @@
 #include "fuzz/support/inputs.h"
 #include "fuzz/support/memory.h"
 #include "fuzz/support/require.h"
+#include "fuzz/support/silence.h"
 #include "fuzz/support/tables.h"
+#include "fuzz/support/witness.h"
 
 namespace MERVO::Tessera::Fuzz {
 namespace {
@@ -64,7 +63,9 @@ public:
     MERVO_TSR_CONTEXT* Target()
     {
         MERVO_TSR_CONTEXT* const handle = Source();
-        targets.push_back({handle, Table(handle) == nullptr ? DataFrameRef() : *Table(handle)});
+        if (Table(handle) != nullptr) {
+            witness.Expect(*Table(handle));
+        }
         return handle;
     }
     DataFrameRef* Table(const MERVO_TSR_CONTEXT* handle) const { return TableBehind(handle); }
@@ -73,7 +74,7 @@ public:
     {
         const std::uint32_t place = inputs.Below(HANDLES);
         Keep(handles[place], made);
-        digests[place] = 0; // another table
+        witness.Forget(place);
     }
     void KeepGroups(MERVO_TSR_GROUP_ARRAY* made)
     {
@@ -85,7 +86,7 @@ public:
         std::uint32_t rows = 0;
         for (std::uint32_t i = 0; i < groups->count; ++i) {
             Require(CheckDataFrame(&groups->entries[i]), "each entry of a record holds a table");
-            RequireSound(*groups->entries[i].dataFrame);
+            RequireSound(*groups->entries[i].dataFrame, true);
             rows += groups->entries[i].dataFrame->RowCount();
         }
         if (rows > MOST_ROWS) {
@@ -113,29 +114,19 @@ public:
             if (table == nullptr) {
                 continue;
             }
-            RequireSound(*table);
-            const std::uint64_t digest = DigestOf(*table);
-            const bool mayChange = std::any_of(targets.begin(), targets.end(), [&](const Written& target) {
-                return target.handle == handles[i] || ShareColumns(target.before, *table);
-            });
-            Require(mayChange || digests[i] == 0 || digests[i] == digest, "a source stays as it was");
-            digests[i] = digest;
+            RequireSound(*table, CheckDataFrame(handles[i]));
+            witness.Look(i, *table);
             if (table->RowCount() > MOST_ROWS || table->ColumnCount() > MOST_COLUMNS) {
                 MERVO_TSR_Release(&handles[i]);
             }
         }
-        targets.clear();
+        witness.Finish();
     }
 
     Inputs inputs;
 
 private:
     static constexpr std::uint32_t HANDLES = 8;
-    /// What a call may change: a handle, and all that shares the columns that it had.
-    struct Written {
-        const MERVO_TSR_CONTEXT* handle;
-        DataFrameRef before;
-    };
 
     /// Puts a handle in place of one that is released.
     static void Keep(MERVO_TSR_CONTEXT*& place, MERVO_TSR_CONTEXT* made)
@@ -147,8 +138,7 @@ private:
     }
 
     std::array<MERVO_TSR_CONTEXT*, HANDLES> handles = {};
-    std::array<std::uint64_t, HANDLES> digests = {}; ///< of the tables before a call; 0 where it is not known
-    std::vector<Written> targets;
+    Witness witness{HANDLES};
     MERVO_TSR_GROUP_ARRAY* groups = nullptr;
     DataFrame foreignTable;
     DataFrameRef foreignWindow;
@@ -367,8 +357,9 @@ void WithText(Session& session)
     std::string text = session.inputs.Text();
     text += hasRoom ? std::string(1, '\0') : "";
     const std::vector<char> exact(text.begin(), text.end()); // without the terminator that a string has behind it
-    Take(session, CALL(dst, src, session.inputs.Below(16) == 0 ? nullptr : exact.data(),
-                      static_cast<std::uint32_t>(exact.size())));
+    Take(session,
+        CALL(dst, src, session.inputs.Below(16) == 0 ? nullptr : exact.data(),
+            static_cast<std::uint32_t>(exact.size())));
 }
 
 void ReplaceText(Session& session)
@@ -378,8 +369,8 @@ void ReplaceText(Session& session)
     const std::string before = session.inputs.Text();
     const std::string after = session.inputs.Text();
     const std::uint32_t fault = session.inputs.Below(32);
-    Take(session, MERVO_TSR_ReplaceString(
-                      dst, src, fault == 0 ? nullptr : before.c_str(), fault == 1 ? nullptr : after.c_str()));
+    Take(session,
+        MERVO_TSR_ReplaceString(dst, src, fault == 0 ? nullptr : before.c_str(), fault == 1 ? nullptr : after.c_str()));
 }
 
 // ---- Groups and merging
@@ -449,12 +440,7 @@ constexpr Call CALLS[] = {Plain<MERVO_TSR_CreateDF>, [](Session& session) { sess
 } // namespace
 } // namespace MERVO::Tessera::Fuzz
 
-/// What is shown goes nowhere; the fuzzer itself writes to standard error.
-extern "C" int LLVMFuzzerInitialize(int*, char***)
-{
-    const int nowhere = ::open("/dev/null", O_WRONLY);
-    return nowhere < 0 || ::dup2(nowhere, STDOUT_FILENO) < 0 ? 1 : 0;
-}
+extern "C" int LLVMFuzzerInitialize(int*, char***) { return MERVO::Tessera::Fuzz::SilenceOutput() ? 0 : 1; }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

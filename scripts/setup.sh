@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing from Debian's packages: what a native build and its tests need, and more for the options.
 # Silent when nothing is missing.
-#   scripts/setup.sh [--arm] [--bench] [--demo] [--docs] [--ci]
+#   scripts/setup.sh [--arm] [--bench] [--demo] [--docs] [--fuzz] [--ci]
 set -euo pipefail
 
 packages=(g++ cmake ninja-build ccache python3 pkg-config libgtest-dev libgmock-dev tzdata)
@@ -11,9 +11,10 @@ for option in "$@"; do
         --bench) packages+=(libbenchmark-dev) ;;
         --demo) packages+=(gnuplot-nox) ;;
         --docs) packages+=(doxygen) ;;
+        --fuzz) packages+=(clang libclang-rt-14-dev) ;;
         --ci) packages+=(g++-arm-linux-gnueabihf qemu-user googletest libbenchmark-dev
             git clang clang-format clang-tidy libclang-rt-14-dev doxygen gnuplot-nox) ;;
-        *) echo "usage: scripts/setup.sh [--arm] [--bench] [--demo] [--docs] [--ci]" >&2; exit 2 ;;
+        *) echo "usage: scripts/setup.sh [--arm] [--bench] [--demo] [--docs] [--fuzz] [--ci]" >&2; exit 2 ;;
     esac
 done
 

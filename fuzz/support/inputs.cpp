@@ -134,6 +134,7 @@ template std::uint64_t DrawCell(Random& random, Cells kind);
 template float DrawCell(Random& random, Cells kind);
 template double DrawCell(Random& random, Cells kind);
 template std::string DrawCell(Random& random, Cells kind);
+template DateTime DrawCell(Random& random, Cells kind);
 
 std::uint32_t Inputs::Index(std::uint32_t size)
 {
@@ -182,8 +183,8 @@ DataFrame Inputs::Table(std::uint32_t rows, bool withLists)
     DataFrame::Columns columns(1 + Below(4));
     for (SeriesPtr& column : columns) {
         const ContainerID container = withLists && Below(16) == 0 ? CONTAINER_LIST : CONTAINER_ARRAY;
-        column = Column(uniform < TESSERA_TYPE_END ? static_cast<MERVO_TESSERA_TYPEID>(uniform) : ValueType(), length,
-            container);
+        column = Column(
+            uniform < TESSERA_TYPE_END ? static_cast<MERVO_TESSERA_TYPEID>(uniform) : ValueType(), length, container);
     }
     return DataFrame(std::move(columns));
 }

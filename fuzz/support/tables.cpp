@@ -64,11 +64,9 @@ constexpr auto CELL_ADDERS = ForEachValueType([](auto number) { return &AddCells
 
 } // namespace
 
-std::uint64_t DigestOf(const DataFrameRef& table)
+std::uint64_t CellDigestOf(const DataFrameRef& table)
 {
-    static_cast<void>(table.RefreshColumnName());
     Digest digest;
-    digest.Add(static_cast<std::uint64_t>(table.GetError().code));
     digest.Add(table.RowCount());
     digest.Add(table.ColumnCount());
     for (unsigned int k = 0; k < table.ColumnCount(); ++k) {
@@ -76,12 +74,25 @@ std::uint64_t DigestOf(const DataFrameRef& table)
         const Cursor cursor = table.GetSlicedIterator(column);
         digest.Add(std::uint64_t{column != nullptr} + 2 * std::uint64_t{cursor != nullptr});
         if (cursor != nullptr) {
-            digest.Add(column->GetName());
             digest.Add(static_cast<std::uint64_t>(column->GetTypeId()));
-            digest.Add(static_cast<std::uint64_t>(column->GetAttr().containerId));
             CELL_ADDERS[static_cast<std::size_t>(column->GetTypeId())](digest, cursor);
         }
     }
+    return digest.Value();
+}
+
+std::uint64_t DigestOf(const DataFrameRef& table)
+{
+    Digest digest;
+    digest.Add(static_cast<std::uint64_t>(table.GetError().code));
+    for (const std::string& name : table.GetColumnName()) {
+        digest.Add(name);
+    }
+    for (unsigned int k = 0; k < table.ColumnCount(); ++k) {
+        const SeriesPtr& column = table.GetColumn(k);
+        digest.Add(column == nullptr ? 0 : static_cast<std::uint64_t>(column->GetAttr().containerId));
+    }
+    digest.Add(CellDigestOf(table));
     return digest.Value();
 }
 
@@ -93,19 +104,18 @@ bool IsDocumented(ErrorCode code)
     return CODES.count(code) != 0;
 }
 
-void RequireSound(const DataFrameRef& table)
+void RequireSound(const DataFrameRef& table, bool isOwner)
 {
     const ErrorCode code = table.GetError().code;
     Require(IsDocumented(code), "a table's code is documented");
     const DataFrameView::Columns& all = Inside::AllColumns(table);
-    const bool isOwner = dynamic_cast<const DataFrame*>(&table) != nullptr;
-    const bool isWhole = isOwner && code == ERROR_NONE && std::find(all.begin(), all.end(), nullptr) == all.end();
+    const bool isWhole = isOwner && code == ERROR_NONE;
     if (isWhole) {
-        Require(table.GetColIndex()[1] <= all.size(), "a table has the columns that its shape tells");
+        Require(table.ColumnCount() == all.size(), "a table has the columns that its shape tells");
         for (unsigned int k = 0; k < table.ColumnCount(); ++k) {
             const SeriesPtr& column = table.GetColumn(k);
-            Require(IsValueType(column->GetTypeId()), "a column has a value type");
-            Require(column->Size() >= table.GetRowIndex()[1], "a column has the rows that the shape tells");
+            Require(column != nullptr && IsValueType(column->GetTypeId()), "a column has a value type");
+            Require(column->Size() == table.RowCount(), "a column has the rows that the shape tells");
         }
     }
     if (code == ERROR_NONE) {

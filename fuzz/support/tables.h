@@ -10,10 +10,14 @@ namespace MERVO::Tessera::Fuzz {
 /// containers, or in a bit of a cell. All cells are read, and names become unique.
 std::uint64_t DigestOf(const DataFrameRef& table);
 
+/// The same of the shape, the value types and the cells alone.
+std::uint64_t CellDigestOf(const DataFrameRef& table);
+
 /// Requires that a table or window is in one piece: a code that is documented, columns as the shape says, names that
-/// are unique once they are refreshed. A window may have lost columns or rows to changes of its table; it says so then
-/// by null.
-void RequireSound(const DataFrameRef& table);
+/// are unique once they are refreshed.
+/// @param isOwner whether the columns are the table's own; one that shares them may have lost some to changes of the
+///                owner, and says so by null.
+void RequireSound(const DataFrameRef& table, bool isOwner);
 
 /// Whether a change of the cells of one may show in the other.
 bool ShareColumns(const DataFrameRef& one, const DataFrameRef& other);
