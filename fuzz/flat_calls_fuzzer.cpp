@@ -448,7 +448,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const MemoryBudget budget;
     Session session(data, size);
     for (int calls = 0; calls < 40 && session.inputs.remaining_bytes() != 0; ++calls) {
-        CALLS[session.inputs.Below(std::size(CALLS))](session);
+        const std::uint32_t call = session.inputs.Below(std::size(CALLS));
+        MERVO::Tessera::LogDump("==== call %u", call); // to be seen where a finding is replayed with the log
+        CALLS[call](session);
         session.Check();
     }
     return 0;

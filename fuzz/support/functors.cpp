@@ -62,8 +62,18 @@ constexpr BinaryFactory (*BINARY_FUNCTORS[])(Inputs&) = {Binary<Func::Add>, Bina
 
 } // namespace
 
-UnaryFactory DrawUnary(Inputs& inputs) { return UNARY_FUNCTORS[inputs.Below(std::size(UNARY_FUNCTORS))](inputs); }
+UnaryFactory DrawUnary(Inputs& inputs)
+{
+    UnaryFactory factory = UNARY_FUNCTORS[inputs.Below(std::size(UNARY_FUNCTORS))](inputs);
+    LogDump("==== functor %s", factory(CONTAINER_ARRAY)->GetName().c_str());
+    return factory;
+}
 
-BinaryFactory DrawBinary(Inputs& inputs) { return BINARY_FUNCTORS[inputs.Below(std::size(BINARY_FUNCTORS))](inputs); }
+BinaryFactory DrawBinary(Inputs& inputs)
+{
+    BinaryFactory factory = BINARY_FUNCTORS[inputs.Below(std::size(BINARY_FUNCTORS))](inputs);
+    LogDump("==== functor %s", factory(CONTAINER_ARRAY)->GetName().c_str());
+    return factory;
+}
 
 } // namespace MERVO::Tessera::Fuzz

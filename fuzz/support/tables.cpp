@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <iostream>
 #include <set>
 
 #include "fuzz/support/require.h"
@@ -60,6 +61,13 @@ void AddCells(Digest& digest, const Cursor& cursor)
     Func::ForEachElement<T>(cursor, [&digest](const auto& cell) { digest.AddCell(static_cast<const T&>(cell)); });
 }
 
+void Show(bool isSame, const DataFrameRef& one, const DataFrameRef& other)
+{
+    if (!isSame) {
+        std::cerr << one << "is not the same as\n" << other;
+    }
+}
+
 constexpr auto CELL_ADDERS = ForEachValueType([](auto number) { return &AddCells<ValueTypes::At<number()>>; });
 
 } // namespace
@@ -94,6 +102,20 @@ std::uint64_t DigestOf(const DataFrameRef& table)
     }
     digest.Add(CellDigestOf(table));
     return digest.Value();
+}
+
+void RequireSame(const DataFrameRef& one, const DataFrameRef& other, const char* law)
+{
+    const bool isSame = DigestOf(one) == DigestOf(other);
+    Show(isSame, one, other);
+    Require(isSame, law);
+}
+
+void RequireSameCells(const DataFrameRef& one, const DataFrameRef& other, const char* law)
+{
+    const bool isSame = CellDigestOf(one) == CellDigestOf(other);
+    Show(isSame, one, other);
+    Require(isSame, law);
 }
 
 bool ShareColumns(const DataFrameRef& one, const DataFrameRef& other) { return Inside::Shares(one, other); }
