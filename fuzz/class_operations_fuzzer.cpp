@@ -6,168 +6,18 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <iterator>
-#include <limits>
 #include <memory>
-#include <numeric>
 #include <sstream>
 
 #include "fuzz/support/functors.h"
-#include "fuzz/support/memory.h"
+#include "fuzz/support/play.h"
 #include "fuzz/support/require.h"
 #include "fuzz/support/silence.h"
-#include "fuzz/support/tables.h"
-#include "fuzz/support/witness.h"
+#include "fuzz/support/table_operations.h"
 
 namespace MERVO::Tessera::Fuzz {
 namespace {
-
-using Range = DataFrameView::Range;
-using Positions = std::vector<std::uint32_t>;
-using Names = std::vector<std::string>;
-
-constexpr std::uint32_t MOST_ROWS = 60;
-constexpr std::uint32_t MOST_COLUMNS = 40;
-constexpr std::uint32_t TABLES = 4;
-constexpr std::uint32_t WINDOWS = 4;
-
-/// Makes the same twice in memory of different content; gives the second one.
-template <typename Make>
-auto Twice(Make&& make)
-{
-    FillFreshMemory(0x00);
-    const auto first = make();
-    FillFreshMemory(0xA5);
-    auto second = make();
-    RequireSame(first, second, "equal operations give equal results");
-    return second;
-}
-
-class Play {
-public:
-    Play(const std::uint8_t* data, std::size_t size) : inputs(data, size)
-    {
-        for (DataFrame& table : tables) {
-            table = inputs.Table(MOST_ROWS, true);
-        }
-        for (auto& window : windows) {
-            window = std::make_unique<DataFrameRef>();
-        }
-        Check();
-    }
-
-    /// A table or window to read.
-    const DataFrameRef& View() { return Place(inputs.Below(TABLES + WINDOWS)); }
-    const DataFrame& Table() { return tables[inputs.Below(TABLES)]; }
-    /// The same to write.
-    DataFrameRef& Written(DataFrameRef& table)
-    {
-        witness.Expect(table);
-        return table;
-    }
-    DataFrameRef& WrittenView() { return Written(Place(inputs.Below(TABLES + WINDOWS))); }
-    DataFrame& WrittenTable()
-    {
-        DataFrame& table = tables[inputs.Below(TABLES)];
-        Written(table);
-        return table;
-    }
-
-    void KeepWindow(std::unique_ptr<DataFrameRef> window)
-    {
-        const std::uint32_t place = inputs.Below(WINDOWS);
-        windows[place] = std::move(window);
-        witness.Forget(TABLES + place);
-    }
-    /// Puts a result in a table's place, unless it is large.
-    void Keep(DataFrame&& table)
-    {
-        RequireSound(table, true);
-        const std::uint32_t place = inputs.Below(2 * TABLES); // some tables should last
-        if (place < TABLES && table.RowCount() <= MOST_ROWS && table.ColumnCount() <= MOST_COLUMNS) {
-            isTorn[place] = false;
-            tables[place] = std::move(table);
-            witness.Forget(place);
-        }
-    }
-
-    Range DrawRange(std::uint32_t size)
-    {
-        Range range = {inputs.Index(size), inputs.Index(size)};
-        if (inputs.Below(16) != 0) {
-            std::sort(range.begin(), range.end());
-            ++range[1];
-        }
-        return range;
-    }
-    Positions DrawRows(const DataFrameRef& table) { return inputs.Indices(table.RowCount(), 8); }
-    Positions DrawColumns(const DataFrameRef& table) { return inputs.Indices(table.ColumnCount(), 4); }
-    std::string DrawName(const DataFrameRef& table)
-    {
-        const Names names = table.GetColumnName();
-        return names.empty() || inputs.Below(8) == 0 ? inputs.Name()
-                                                     : names[inputs.Below(static_cast<std::uint32_t>(names.size()))];
-    }
-    Names DrawNames(const DataFrameRef& table)
-    {
-        Names names(inputs.Below(4));
-        std::generate(names.begin(), names.end(), [&] { return DrawName(table); });
-        return names;
-    }
-
-    /// Tells that an operation may have left a table with a part of its columns done, and no error in it.
-    void NoteTorn(const DataFrameRef& target, ErrorCode code)
-    {
-        for (std::uint32_t place = 0; place < TABLES; ++place) {
-            isTorn[place] = isTorn[place] || (code != ERROR_NONE && &tables[place] == &target);
-        }
-    }
-
-    void NoteMended(const DataFrameRef& target)
-    {
-        for (std::uint32_t place = 0; place < TABLES; ++place) {
-            isTorn[place] = isTorn[place] && &tables[place] != &target;
-        }
-    }
-    bool IsTorn(const DataFrameRef& table) const
-    {
-        for (std::uint32_t place = 0; place < TABLES; ++place) {
-            if (&tables[place] == &table) {
-                return isTorn[place];
-            }
-        }
-        return false;
-    }
-
-    void Check()
-    {
-        for (std::uint32_t place = 0; place < TABLES + WINDOWS; ++place) {
-            RequireSound(Place(place), place < TABLES && !isTorn[place]);
-            witness.Look(place, Place(place));
-        }
-        witness.Finish();
-        for (std::uint32_t place = 0; place < TABLES; ++place) {
-            if (tables[place].RowCount() > MOST_ROWS || tables[place].ColumnCount() > MOST_COLUMNS) {
-                tables[place] = inputs.Table(MOST_ROWS, true);
-                witness.Forget(place);
-            }
-        }
-    }
-
-    Inputs inputs;
-
-private:
-    DataFrameRef& Place(std::uint32_t place)
-    {
-        return place < TABLES ? static_cast<DataFrameRef&>(tables[place]) : *windows[place - TABLES];
-    }
-
-    std::array<DataFrame, TABLES> tables;
-    std::array<bool, TABLES> isTorn = {};
-    std::array<std::unique_ptr<DataFrameRef>, WINDOWS> windows;
-    Witness witness{TABLES + WINDOWS};
-};
 
 // ---- Functors and operators
 
@@ -238,7 +88,7 @@ void ApplyInto(Play& play)
     const ErrorCode code = isUnary ? target.ApplyInplace(unary, left) : target.ApplyInplace(binary, left, right);
     Require(IsDocumented(code), "an apply's code is documented");
     Require(before == ERROR_NONE || target.GetError().code == before, "a table keeps its first failure");
-    play.NoteTorn(target, code);
+    play.NoteApplied(target, code);
     // Into no columns goes nothing; and lists are converted for a destination of arrays only.
     if (code == ERROR_NONE && target.ColumnCount() != 0 && wanted.GetError().code == ERROR_NONE) {
         RequireSameCells(target, wanted, "a functor computes all before it writes");
@@ -293,171 +143,16 @@ void ApplyRows(Play& play)
         return code == result.GetError().code ? result : DataFrame();
     }));
     DataFrame& target = play.WrittenTable();
-    play.NoteTorn(target, apply(target, functor, play.Table()));
+    play.NoteApplied(target, apply(target, functor, play.Table()));
 }
 
 // ---- Operations that make a new table, and their forms in place
 
-struct Operation {
-    std::function<DataFrame(const DataFrame&)> make;
-    std::function<ErrorCode(DataFrame&)> inPlace =
-        nullptr; ///< puts what make gives in the table's place, also where it failed
-};
-
-/// An operation by a list of positions.
-template <auto MAKE, auto IN_PLACE>
-Operation ByList(auto list)
-{
-    return {[list](const DataFrame& table) { return (table.*MAKE)(list); },
-        [list](DataFrame& table) { return (table.*IN_PLACE)(list); }};
-}
-
-using Make = DataFrame (DataFrame::*)(const Positions&) const;
-using MakeByNames = DataFrame (DataFrame::*)(const Names&) const;
-using MakeByBools = DataFrame (DataFrame::*)(const DataFrame&) const;
-using InPlace = ErrorCode (DataFrame::*)(const Positions&);
-using InPlaceByNames = ErrorCode (DataFrame::*)(const Names&);
-using InPlaceByBools = ErrorCode (DataFrame::*)(const DataFrame&);
-
-template <Make MAKE, InPlace IN_PLACE>
-Operation RowsByList(Play& play, const DataFrame& table)
-{
-    return ByList<MAKE, IN_PLACE>(play.DrawRows(table));
-}
-template <Make MAKE, InPlace IN_PLACE>
-Operation ColumnsByList(Play& play, const DataFrame& table)
-{
-    return ByList<MAKE, IN_PLACE>(play.DrawColumns(table));
-}
-template <MakeByNames MAKE, InPlaceByNames IN_PLACE>
-Operation ColumnsByNames(Play& play, const DataFrame& table)
-{
-    return ByList<MAKE, IN_PLACE>(play.DrawNames(table));
-}
-/// By bools: of the right shape, or another table.
-template <MakeByBools MAKE, InPlaceByBools IN_PLACE, bool ARE_ROWS>
-Operation ByBools(Play& play, const DataFrame& table)
-{
-    auto filter = std::make_shared<DataFrame>(play.Table());
-    if (play.inputs.Below(4) != 0) {
-        DataFrame::Columns columns(ARE_ROWS ? 1 : std::min(table.ColumnCount(), MOST_COLUMNS));
-        for (SeriesPtr& column : columns) {
-            column =
-                play.inputs.Column(TESSERA_BOOL, ARE_ROWS ? std::min(table.RowCount(), MOST_ROWS) : 1, CONTAINER_ARRAY);
-        }
-        *filter = DataFrame(std::move(columns));
-    }
-    return {[filter](const DataFrame& from) { return (from.*MAKE)(*filter); },
-        [filter](DataFrame& from) { return (from.*IN_PLACE)(*filter); }};
-}
-
-Operation DropNanRows(Play& play, const DataFrame& table)
-{
-    const bool any = play.inputs.ConsumeBool();
-    const int thresh = static_cast<int>(play.inputs.Index(5));
-    const bool isByThresh = play.inputs.ConsumeBool();
-    if (play.inputs.ConsumeBool()) {
-        const Names names = play.DrawNames(table);
-        return {[=](const DataFrame& from) {
-            return isByThresh ? from.DropNanRow(thresh, names) : from.DropNanRow(any, names);
-        }};
-    }
-    const Positions list = play.DrawColumns(table);
-    return {
-        [=](const DataFrame& from) { return isByThresh ? from.DropNanRow(thresh, list) : from.DropNanRow(any, list); },
-        [=](DataFrame& from) {
-            return isByThresh ? from.DropNanRowInplace(thresh, list) : from.DropNanRowInplace(any, list);
-        }};
-}
-
-Operation DropNanColumns(Play& play, const DataFrame&)
-{
-    const bool any = play.inputs.ConsumeBool();
-    const int thresh = static_cast<int>(play.inputs.Index(MOST_ROWS));
-    const bool isByThresh = play.inputs.ConsumeBool();
-    return {[=](const DataFrame& from) { return isByThresh ? from.DropNanCol(thresh) : from.DropNanCol(any); },
-        [=](DataFrame& from) { return isByThresh ? from.DropNanColInplace(thresh) : from.DropNanColInplace(any); }};
-}
-
-Operation DistinctRows(Play& play, const DataFrame& table)
-{
-    const Positions list = play.DrawColumns(table);
-    const std::string keep = std::array{"first", "last", "false", "none"}[play.inputs.Below(4)];
-    return {play.inputs.ConsumeBool()
-            ? std::function([=](const DataFrame& from) { return from.Duplicated(list, keep); })
-            : std::function([=](const DataFrame& from) { return from.DropDuplicatesOutplace(list, keep); })};
-}
-
-Operation MergeTables(Play& play, const DataFrame& table)
-{
-    const auto right = std::make_shared<DataFrame>(play.Table());
-    const Positions leftOn = play.DrawColumns(table);
-    const Positions rightOn = play.inputs.ConsumeBool() ? leftOn : play.DrawColumns(*right);
-    const auto type = static_cast<MERVO_TESSERA_MERGE_JOINTYPE>(play.inputs.Index(4));
-    return {[=](const DataFrame& from) { return from.Merge(*right, leftOn, rightOn, type, {"_x", "_y"}); }};
-}
-
-/// Aggregate promises what its three steps give, in every bit.
-DataFrame Aggregated(
-    const DataFrame& table, const Positions& keys, const Positions& values, const UnaryFactory& functor)
-{
-    DataFrame result = table.Aggregate(keys, values, functor);
-    Positions all = keys;
-    all.insert(all.end(), values.begin(), values.end());
-    Positions places(keys.size());
-    std::iota(places.begin(), places.end(), 0U);
-    DataFrame selected = table.SelectCol(all);
-    if (result.GetError().code == ERROR_NONE && result.ColumnCount() != 0) {
-        RequireSame(selected.GroupBy(places, false, false, false).Apply(functor), result,
-            "an aggregate is what its steps give");
-    }
-    return result;
-}
-
-Operation Aggregates(Play& play, const DataFrame& table)
-{
-    const Positions keys = play.DrawColumns(table);
-    const Positions values = play.DrawColumns(table);
-    const UnaryFactory functor = DrawUnary(play.inputs);
-    const bool isTransformation = play.inputs.ConsumeBool();
-    return {[=](const DataFrame& from) {
-        return isTransformation ? from.TransformGroups(keys, values, functor) : Aggregated(from, keys, values, functor);
-    }};
-}
-
-Operation CrossTables(Play& play, const DataFrame& table)
-{
-    const DataFrame::TableParams params = {play.DrawColumns(table), play.DrawColumns(table), play.DrawColumns(table)};
-    const UnaryFactory functor = DrawUnary(play.inputs);
-    const double fill = play.inputs.Cell<double>();
-    DataFrame::PivotCreators creators;
-    for (const std::uint32_t value : play.inputs.Below(4) == 0 ? play.DrawColumns(table) : params.values) {
-        creators[value] = DrawUnary(play.inputs);
-    }
-    return {play.inputs.ConsumeBool()
-            ? std::function([=](const DataFrame& from) { return from.PivotTable(params, functor, fill); })
-            : std::function([=](const DataFrame& from) { return from.PivotTable(params, creators, fill); })};
-}
-
-using DrawOperation = Operation (*)(Play&, const DataFrame&);
-constexpr DrawOperation TABLE_OPERATIONS[] = {RowsByList<&DataFrame::SelectRow, &DataFrame::SelectRowInplace>,
-    RowsByList<&DataFrame::DropRow, &DataFrame::DropRowInplace>,
-    ByBools<&DataFrame::SelectRow, &DataFrame::SelectRowInplace, true>,
-    ByBools<&DataFrame::DropRow, &DataFrame::DropRowInplace, true>,
-    ColumnsByList<&DataFrame::SelectCol, &DataFrame::SelectColInplace>,
-    ColumnsByList<&DataFrame::DropCol, &DataFrame::DropColInplace>,
-    ColumnsByNames<&DataFrame::SelectCol, &DataFrame::SelectColInplace>,
-    ColumnsByNames<&DataFrame::DropCol, &DataFrame::DropColInplace>,
-    ByBools<&DataFrame::SelectCol, &DataFrame::SelectColInplace, false>,
-    ByBools<&DataFrame::DropCol, &DataFrame::DropColInplace, false>, DropNanRows, DropNanColumns, DistinctRows,
-    MergeTables, Aggregates, CrossTables};
-
 void RunOnTable(Play& play)
 {
-    DataFrame& table = play.WrittenTable();
+    DataFrame& table = play.AnyTable();
     const ErrorCode before = table.GetError().code;
-    const DrawOperation draw = TABLE_OPERATIONS[play.inputs.Below(std::size(TABLE_OPERATIONS))];
-    const Operation operation = draw(play, table);
+    const Operation operation = DrawTableOperation(play, table);
     DataFrame result = Twice([&] { return operation.make(table); });
     Require(before == ERROR_NONE || result.GetError().code != ERROR_NONE, "a result of a failed table has failed");
     const auto copy = play.IsTorn(table) ? nullptr : CopyOf(table);
@@ -469,6 +164,7 @@ void RunOnTable(Play& play)
         Require(code == copy->GetError().code, "an operation in place returns the table's code");
         RequireSame(*copy, result, "an operation in place gives what the other form gives");
         if (play.inputs.Below(4) == 0) {
+            play.WillChange(table);
             static_cast<void>(operation.inPlace(table)); // under the windows on it
             Require(before == ERROR_NONE || table.GetError().code == before, "a table keeps its first failure");
         }
@@ -509,7 +205,7 @@ void Assign(Play& play)
         table = table.Slice(1, play.DrawRange(table.ColumnCount()));
         return;
     }
-    play.NoteMended(table);
+    play.NoteAssigned(table);
     switch (kind) {
     case 0:
         table = play.inputs.Table(MOST_ROWS, true);
@@ -619,15 +315,20 @@ void UseGroups(Play& play, const BaseGroups& groups)
 
 void GroupRows(Play& play)
 {
-    DataFrame& table = play.WrittenTable();
+    DataFrame& table = play.AnyTable();
     const Positions keys = play.DrawColumns(table);
     const bool inPlace = play.inputs.ConsumeBool();
+    if (inPlace) {
+        play.WillChange(table);
+    }
     const bool ascending = play.inputs.ConsumeBool();
     const bool sorted = play.inputs.ConsumeBool();
     const Groups groups = play.inputs.ConsumeBool() ? table.GroupBy(keys, inPlace, ascending, sorted)
                                                     : table.GroupBy(play.DrawNames(table), inPlace, ascending, sorted);
     UseGroups(play, groups);
     if (play.inputs.Below(4) == 0) { // groups share the columns of a table that was grouped in place
+        play.WillChange(table);
+        play.NoteAssigned(table);
         table = play.inputs.Table(MOST_ROWS, false);
         UseGroups(play, groups);
     }
