@@ -7,7 +7,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 # How inputs and memory are bound. What the library itself may take is bound by the targets.
-limits=(-max_len=600 -timeout=30 -rss_limit_mb=1024 -use_value_profile=0)
+# The entropic schedule takes more time than the targets do.
+limits=(-max_len=600 -timeout=30 -rss_limit_mb=1024 -entropic=0)
 found=build/fuzz/found
 
 runTarget() { # SECONDS TARGET

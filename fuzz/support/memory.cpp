@@ -65,7 +65,8 @@ void operator delete[](void* block, std::size_t) noexcept { Release(block); }
 /// What the programs want of the sanitizers, wherever they are started.
 extern "C" const char* __asan_default_options()
 {
-    return "allocator_may_return_null=1:max_allocation_size_mb=256:quarantine_size_mb=32:max_malloc_fill_size=0";
+    return "allocator_may_return_null=1:max_allocation_size_mb=256:quarantine_size_mb=16:max_malloc_fill_size=0:malloc_"
+           "context_size=8";
 }
 extern "C" const char* __ubsan_default_options() { return "print_stacktrace=1"; }
 
