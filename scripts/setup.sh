@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing from Debian's packages: what a native build and its tests need, and more for the options.
 # Silent when nothing is missing.
-#   scripts/setup.sh [--arm] [--bench] [--compare] [--demo] [--docs] [--coverage] [--ci]
+#   scripts/setup.sh [--arm] [--bench] [--compare] [--demo] [--docs] [--fuzz] [--coverage] [--ci]
 set -euo pipefail
 
 packages=(g++ cmake ninja-build ccache python3 pkg-config libgtest-dev libgmock-dev tzdata)
@@ -16,10 +16,11 @@ for option in "$@"; do
             command -v npm > /dev/null || packages+=(npm) ;;
         --demo) packages+=(gnuplot-nox) ;;
         --docs) packages+=(doxygen) ;;
+        --fuzz) packages+=(clang libclang-rt-14-dev) ;;
         --coverage) packages+=(gcovr) ;;
         --ci) packages+=(g++-arm-linux-gnueabihf qemu-user googletest libbenchmark-dev
             git clang clang-format clang-tidy libclang-rt-14-dev doxygen gnuplot-nox abigail-tools valgrind) ;;
-        *) echo "usage: scripts/setup.sh [--arm] [--bench] [--compare] [--demo] [--docs] [--coverage] [--ci]" >&2; exit 2 ;;
+        *) sed -n 's/^#   /usage: /p' "$0" >&2; exit 2 ;;
     esac
 done
 
