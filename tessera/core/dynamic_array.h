@@ -60,10 +60,7 @@ public:
     std::uint32_t size;
 
 private:
-    static Block<T> BlockFor(std::uint32_t count)
-    {
-        return Block<T>(static_cast<T*>(AllocateCells(count, sizeof(T))));
-    }
+    static Block<T> BlockFor(std::uint32_t count) { return Block<T>(static_cast<T*>(AllocateCells(count, sizeof(T)))); }
 };
 
 /**

@@ -2,8 +2,8 @@
 
 /**
  * Functions in two versions: one for the processors that a build is for, and one for those that turn out to have wider
- * vectors and fused multiply-adds. Both give the same bits, since neither reorders operations, nor contracts them unless
- * a kernel asks for it where that is proved to alter no bit.
+ * vectors and fused multiply-adds. Both give the same bits, since neither reorders operations, nor contracts them
+ * unless a kernel asks for it where that is proved to alter no bit.
  *
  * A kernel that gains by it puts its loop into a [[gnu::always_inline]] function, calls that from two functions, one of
  * which is marked TESSERA_WIDE_VECTORS, and picks between these by HasWideVectors().
