@@ -159,7 +159,7 @@ def limit_table(rows):
 def markdown(results, rows, rivals):
     passes = sorted(set().union(*(row.passes for row in rows)))
     text = "# Results of the comparison\n\n"
-    text += "Made by `scripts/compare.sh` from `results.json`; [the page beside it](README.md) tells what is measured. "
+    text += "Made by `scripts/compare.sh` from `results.json`; [the page beside it](../benchmarks/README.md) tells what is measured. "
     text += "Times are\nmedians in milliseconds, on one thread. A ratio is Tessera's time over the best rival's: below 1, "
     text += "Tessera is ahead.\n\n![Ratios](ratios.svg)\n\n## By family\n\n" + family_table(rows)
     text += "\n## By workload\n\n" + workload_table(rows, rivals)
