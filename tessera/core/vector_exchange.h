@@ -28,6 +28,7 @@ template <typename T>
 std::vector<std::size_t> LengthsOf(const std::vector<std::vector<T>>& columns)
 {
     std::vector<std::size_t> lengths;
+    lengths.reserve(columns.size());
     for (const std::vector<T>& column : columns) {
         lengths.push_back(column.size());
     }

@@ -47,7 +47,7 @@ template <typename Size>
 {
     std::int64_t others = 0;
     for (std::size_t i = 0; i < count; ++i) {
-        others += (std::fabs(values[i]) < smallest) & (values[i] != 0.0) ? 1 : 0;
+        others += ((std::fabs(values[i]) < smallest) & (values[i] != 0.0)) ? 1 : 0;
     }
     return others == 0;
 }
