@@ -34,11 +34,12 @@ public:
     /// Takes the columns. They must have one length, else the table holds 15.
     explicit DataFrame(Columns&& columns);
     DataFrame(DataFrame&& other) noexcept = default;
+    /// To copy a table, or to assign a copy, throws std::bad_alloc where memory is short.
     DataFrame(const DataFrame& other);
     DataFrame(const DataFrameRef& other);
 
     virtual DataFrame& operator=(const DataFrame& other);
-    virtual DataFrame& operator=(DataFrame&& other);
+    virtual DataFrame& operator=(DataFrame&& other) noexcept;
     DataFrame& operator=(const DataFrameRef& other);
     /**
      * Assigns a slice. One that selects columns of this very table, with all its rows, moves them: this table keeps
@@ -425,6 +426,8 @@ public:
     DataFrame PivotTable(const TableParams& params, const UnaryFactory& creator, T fill) const;
 
 private:
+    void CopyOrThrow(const DataFrame& other);
+
     friend class ColumnLoader;
     friend class BaseGroups; // which shares the columns
 

@@ -6,6 +6,7 @@
 #include "tessera/core/column_loader.h"
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
+#include "tessera/core/flat_call.h"
 #include "tessera/core/table_reader.h"
 
 namespace MERVO::Tessera {
@@ -60,7 +61,7 @@ ErrorCode VectorExchange<T>::Check2DSecond(const DataFrame& table, const Columns
 template <typename T>
 ErrorCode VectorExchange<T>::Read1D(
     DataFrame& table, const std::vector<T>& data, Shape shape, const Types& types, const Containers& containers)
-{
+try {
     const ErrorCode code = Check1D(table, data, shape, types, containers);
     if (code != ERROR_NONE) {
         return code;
@@ -70,11 +71,13 @@ ErrorCode VectorExchange<T>::Read1D(
         .Load<T>(shape, [&data, columns](auto&& cell, std::size_t row, std::size_t column) {
             cell = data[column + columns * row];
         });
+} catch (...) { // no memory
+    return TellNoMemory("ReadVector");
 }
 
 template <typename T>
 ErrorCode VectorExchange<T>::Read2D(DataFrame& table, Columns&& data, const Types& types, const Containers& containers)
-{
+try {
     const ErrorCode own = table.GetError().code;
     if (own != ERROR_NONE) {
         LogError("Failed to read 2d vector, invalid dataframe %d", own);
@@ -104,11 +107,13 @@ ErrorCode VectorExchange<T>::Read2D(DataFrame& table, Columns&& data, const Type
                 cell = data[column][row];
             }
         });
+} catch (...) { // no memory
+    return TellNoMemory("ReadVectorByCol");
 }
 
 template <typename T>
 typename VectorExchange<T>::Rows VectorExchange<T>::Write2D(const DataFrameRef& table)
-{
+try {
     TableReader reader(table);
     if (!reader.CanRead(TYPE_ID_OF<T>, "2d", "Type mismatch on exporting 2d vector") || reader.Open() != ERROR_NONE) {
         return {};
@@ -116,11 +121,14 @@ typename VectorExchange<T>::Rows VectorExchange<T>::Write2D(const DataFrameRef& 
     Rows rows(table.RowCount(), std::vector<T>(table.ColumnCount()));
     reader.Read<T>([&rows](auto&& cell, std::size_t row, std::size_t column) { rows[row][column] = cell; });
     return rows;
+} catch (...) { // no memory
+    static_cast<void>(TellNoMemory("ToVector"));
+    return {};
 }
 
 template <typename T>
 std::vector<T> VectorExchange<T>::Write1D(const DataFrameRef& table)
-{
+try {
     TableReader reader(table);
     if (!reader.CanRead(TYPE_ID_OF<T>, "1d", "Type mismatch type on exporting 1d vector") ||
         reader.Open() != ERROR_NONE) {
@@ -135,6 +143,9 @@ std::vector<T> VectorExchange<T>::Write1D(const DataFrameRef& table)
     reader.Read<T>(
         [&cells, columns](auto&& cell, std::size_t row, std::size_t column) { cells[column + row * columns] = cell; });
     return cells;
+} catch (...) { // no memory
+    static_cast<void>(TellNoMemory("To1DVector"));
+    return {};
 }
 
 template class VectorExchange<bool>;

@@ -11,6 +11,7 @@
 #include "tessera/core/bit_bytes.h"
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
+#include "tessera/core/memory_room.h"
 #include "tessera/functors/assign_text.h"
 #include "tessera/functors/element_walk.h"
 #include "tessera/functors/missing_cell.h"
@@ -99,20 +100,52 @@ void CopyBits(PlaceOf placeOf, BitPosition to, std::size_t count)
 
 void Assign(std::string& cell, const std::string& text) { AssignText(cell, text); }
 void Assign(DateTime& cell, const DateTime& time) { cell = time; }
-void Assign(DataFrame& cell, const DataFrame& table)
-{
-    cell = table;
-    if (cell.GetError().code != table.GetError().code) {
-        throw std::bad_alloc(); // the copy holds that itself, though the column would seem to be whole
+void Assign(DataFrame& cell, const DataFrame& table) { cell = table; }
+
+/// One text may go to millions of cells. Each copy alone the system would grant, and end the process while they are
+/// filled; so once long texts have added up to something, all of them are counted before the next one is copied.
+class LongTexts {
+public:
+    template <typename PlaceOf>
+    void Add(std::size_t length, PlaceOf placeOf, std::size_t count)
+    {
+        if (length >= LONG && !isCounted && (copied += length) >= MANY) [[unlikely]] {
+            RequireRoom(placeOf, count);
+        }
     }
-}
+
+private:
+    static constexpr std::size_t LONG = 256; // shorter ones take up little beside the column itself
+    static constexpr std::size_t MANY = std::size_t{64} << 20;
+
+    template <typename PlaceOf>
+    void RequireRoom(PlaceOf placeOf, std::size_t count)
+    {
+        std::uint64_t bytes = 0;
+        for (std::size_t i = 0; i < count; ++i) {
+            bytes += placeOf(i)->size();
+        }
+        if (!HasRoomFor(bytes, 1)) {
+            throw std::bad_alloc();
+        }
+        isCounted = true;
+    }
+
+    std::size_t copied = 0;
+    bool isCounted = false;
+};
 
 template <typename T, typename PlaceOf>
 void CopyLarge(PlaceOf placeOf, T* to, std::size_t count)
 {
+    [[maybe_unused]] LongTexts longTexts;
     for (std::size_t i = 0; i < count; ++i) {
         __builtin_prefetch(placeOf(std::min(i + AHEAD, count - 1)));
-        Assign(to[i], *placeOf(i));
+        const T& cell = *placeOf(i);
+        if constexpr (std::is_same_v<T, std::string>) {
+            longTexts.Add(cell.size(), placeOf, count);
+        }
+        Assign(to[i], cell);
     }
 }
 

@@ -6,6 +6,7 @@
 
 #include "tessera/core/bit_bytes.h"
 #include "tessera/core/data_frame.h"
+#include "tessera/core/flat_call.h"
 #include "tessera/functors/apply_nullary.h"
 #include "tessera/functors/column_runs.h"
 #include "tessera/functors/functor_factory.h"
@@ -176,7 +177,7 @@ DataFrame DataFrame::Duplicated(const std::vector<std::uint32_t>& subset, const 
 }
 
 ErrorCode DataFrame::DropDuplicatesInplace(const std::vector<std::uint32_t>& subset, const std::string& keep)
-{
+try {
     const DataFrame repeats = Duplicated(subset, keep);
     if (repeats.GetError().code != ERROR_NONE) {
         LogError("invalid dataframe while calling DropDuplicatesInplace: %d", repeats.GetError().code);
@@ -187,10 +188,12 @@ ErrorCode DataFrame::DropDuplicatesInplace(const std::vector<std::uint32_t>& sub
         LogError("Drop duplicates failed");
     }
     return code;
+} catch (...) { // no memory
+    return TellNoMemory("DropDuplicatesInplace");
 }
 
 DataFrame DataFrame::DropDuplicatesOutplace(const std::vector<std::uint32_t>& subset, const std::string& keep) const
-{
+try {
     DataFrame result;
     result.ShallowCopy(*this); // dropping makes new columns
     const ErrorCode code = result.DropDuplicatesInplace(subset, keep);
@@ -198,6 +201,8 @@ DataFrame DataFrame::DropDuplicatesOutplace(const std::vector<std::uint32_t>& su
         return Func::FailedTable(code, "Drop duplicates failed");
     }
     return result;
+} catch (...) { // no memory
+    return Func::TableWithoutMemory("DropDuplicatesOutplace");
 }
 
 } // namespace MERVO::Tessera

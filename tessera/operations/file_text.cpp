@@ -11,6 +11,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "tessera/core/memory_room.h"
 #include "tessera/platform/logger.h"
 
 namespace MERVO::Tessera {
@@ -48,7 +49,8 @@ ErrorCode FileText::Open(const std::string& path, std::size_t guardSize)
 bool FileText::Reserve(std::size_t wanted)
 {
     const std::size_t room = wanted + guard;
-    auto* const block = room < wanted ? nullptr : static_cast<char*>(AllocateBlock(room, 1));
+    const bool hasRoom = room >= wanted && HasRoomFor(std::uint64_t{room} + size, 1); // a pipe may have no end
+    auto* const block = hasRoom ? static_cast<char*>(AllocateBlock(room, 1)) : nullptr;
     if (block == nullptr) {
         return false;
     }
