@@ -254,7 +254,7 @@ const Bomb BOMBS[] = {
             copy.DeepCopy(table);
             const DataFrame sum = table + table;
             const DataFrame equal = table == table;
-            return copy.GetError().code == 3 && sum.ColumnCount() == 1 && equal.GetError().code != 0 ? DONE : 0;
+            return copy.GetError().code == 3 && sum.GetError().code == 3 && equal.GetError().code != 0 ? DONE : 0;
         }},
     {"TablesNestedWide", 3,
         [] {
@@ -270,7 +270,7 @@ const Bomb BOMBS[] = {
             copy.DeepCopy(table);
             const DataFrame sum = table + table;
             Untie(table);
-            return sum.ColumnCount() == 1 ? CodeOf(copy) : 0;
+            return sum.GetError().code == 3 ? CodeOf(copy) : 0;
         }},
     {"LongEqualTexts", DONE,
         [] {
