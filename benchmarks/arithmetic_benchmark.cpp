@@ -18,8 +18,8 @@ DataFrame Reversed(const DataFrame& table)
     return DataFrame(std::move(columns));
 }
 
-/// Computes a table of CELL from two tables of doubles.
-template <typename CELL, typename Operator>
+/// Computes a table from two tables of doubles.
+template <typename Operator>
 void CombineTables(benchmark::State& state, Operator combine)
 {
     const DataFrame left = ReadColumns<double>(state, "num.bin", COLUMNS);
@@ -37,29 +37,22 @@ void CombineTables(benchmark::State& state, Operator combine)
         benchmark::ClobberMemory();
     }
     if (result) {
-        state.counters["check"] = CheckOf<CELL>(*result, true);
+        state.counters["check"] = CheckOf(*result, true);
     }
     const std::int64_t inputs = 2 * std::int64_t{sizeof(double)};
     state.SetBytesProcessed(state.iterations() * std::int64_t{ROWS} * COLUMNS * inputs);
 }
 
 [[maybe_unused]] const bool REGISTERED = [] {
-    const auto combine = [](const char* name, auto run) {
+    const auto combine = [](const char* name, auto operation) {
+        const auto run = [operation](benchmark::State& state) { CombineTables(state, operation); };
         benchmark::RegisterBenchmark(name, run)->Unit(benchmark::kMillisecond);
     };
     using Table = const DataFrameRef&;
-    combine("add_f64", [](benchmark::State& state) {
-        CombineTables<double>(state, [](Table left, Table right) { return left + right; });
-    });
-    combine("mul_f64", [](benchmark::State& state) {
-        CombineTables<double>(state, [](Table left, Table right) { return left * right; });
-    });
-    combine("div_f64", [](benchmark::State& state) {
-        CombineTables<double>(state, [](Table left, Table right) { return left / right; });
-    });
-    combine("greater_f64", [](benchmark::State& state) {
-        CombineTables<bool>(state, [](Table left, Table right) { return left > right; });
-    });
+    combine("add_f64", [](Table left, Table right) { return left + right; });
+    combine("mul_f64", [](Table left, Table right) { return left * right; });
+    combine("div_f64", [](Table left, Table right) { return left / right; });
+    combine("greater_f64", [](Table left, Table right) { return left > right; });
     return true;
 }();
 

@@ -23,7 +23,7 @@ void CastTable(benchmark::State& state, const DataFrame& source)
         }
     }
     if (result) {
-        state.counters["check"] = CheckOf<D>(*result, true);
+        state.counters["check"] = CheckOf(*result, true);
     }
     state.SetItemsProcessed(state.iterations() * std::int64_t{ROWS} * source.ColumnCount());
 }
@@ -49,7 +49,7 @@ DataFrame ReadFields(benchmark::State& state, unsigned int column)
     }
     DataFrame table;
     if (fields.size() != ROWS || table.ReadVector(std::move(fields), {ROWS, 1}) != ERROR_NONE) {
-        state.SkipWithError(("no data in " + DataPath("g1.csv") + "; make_data.py writes them").c_str());
+        state.SkipWithError(("no data in " + DataPath("g1.csv") + "; benchmarks/make_data.py writes them").c_str());
     }
     return table;
 }

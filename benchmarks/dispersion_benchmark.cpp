@@ -16,7 +16,7 @@ void ReduceColumns(benchmark::State& state, const UnaryFactory& make)
         }
         benchmark::DoNotOptimize(result);
     }
-    state.counters["check"] = CheckOf<double>(result, false);
+    state.counters["check"] = CheckOf(result, false);
     state.SetBytesProcessed(state.iterations() * std::int64_t{ROWS} * COLUMNS * std::int64_t{sizeof(double)});
 }
 

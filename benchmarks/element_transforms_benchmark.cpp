@@ -8,7 +8,7 @@ namespace {
 constexpr std::uint32_t COLUMNS = 10;
 
 /// Applies something to a table that is new each time, and tells the check of its cells.
-template <typename CELL, typename Apply>
+template <typename Apply>
 void FillTable(benchmark::State& state, Apply apply)
 {
     std::optional<DataFrame> result;
@@ -23,14 +23,14 @@ void FillTable(benchmark::State& state, Apply apply)
         benchmark::ClobberMemory();
     }
     if (result) {
-        state.counters["check"] = CheckOf<CELL>(*result, true);
+        state.counters["check"] = CheckOf(*result, true);
     }
 }
 
 void Transform(benchmark::State& state, const UnaryFactory& make)
 {
     const DataFrame source = ReadColumns<double>(state, "num.bin", COLUMNS);
-    FillTable<double>(state, [&](DataFrame& result) { return result.ApplyInplace(make, source); });
+    FillTable(state, [&](DataFrame& result) { return result.ApplyInplace(make, source); });
     state.SetBytesProcessed(state.iterations() * std::int64_t{ROWS} * COLUMNS * std::int64_t{2 * sizeof(double)});
 }
 
@@ -43,7 +43,7 @@ void FindIn(benchmark::State& state, const DataFrame& source, const std::vector<
     if (compare.ReadVector(sought, {static_cast<unsigned int>(sought.size()), 1}) != ERROR_NONE) {
         state.SkipWithError("no table to look into");
     }
-    FillTable<bool>(state, [&](DataFrame& result) { return result.ApplyInplace(make, source, compare); });
+    FillTable(state, [&](DataFrame& result) { return result.ApplyInplace(make, source, compare); });
     state.SetItemsProcessed(state.iterations() * std::int64_t{ROWS});
 }
 

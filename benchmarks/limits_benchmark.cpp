@@ -85,6 +85,7 @@ void TimeAdditions(benchmark::State& state, double (*add)(const Elements&, std::
         return benchmark::RegisterBenchmark(name, TimeAdditions, function, count)->Unit(benchmark::kMillisecond);
     };
     add("limit_additions_in_order", &AddInOrder, 10 * std::int64_t{ROWS});
+    add("limit_additions_in_order_twice", &AddInOrder, 20 * std::int64_t{ROWS}); // a mean first, then its deviations
     add("limit_additions_of_window_100", &AddInLanes, 100 * ROLLED_ROWS);
     return add("limit_additions_of_window_1000", &AddInLanes, 1000 * ROLLED_ROWS);
 }();

@@ -20,7 +20,7 @@ void ReduceColumns(benchmark::State& state, const char* file)
         }
         benchmark::DoNotOptimize(result);
     }
-    state.counters["check"] = CheckOf<double>(result, false);
+    state.counters["check"] = CheckOf(result, false);
     state.SetBytesProcessed(state.iterations() * std::int64_t{ROWS} * COLUMNS * std::int64_t{sizeof(T)});
 }
 
@@ -65,7 +65,7 @@ void LoadRowMajor(benchmark::State& state)
         }
     }
     if (handle) {
-        state.counters["check"] = CheckOf<double>(*handle->context->dataFrame, true);
+        state.counters["check"] = CheckOf(*handle->context->dataFrame, true);
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(rows.size() * sizeof(double)));
 }

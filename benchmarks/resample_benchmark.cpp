@@ -35,9 +35,7 @@ void ResampleMean(benchmark::State& state)
             return table.Resample(0, DateTime(60), true, true)
                 .Apply(Func::FunctorFactory<Func::Mean, Func::UnaryBase>{});
         },
-        [](const DataFrame& means) {
-            return CheckOf<double>(means.Slice(1U, {1, 3}), true);
-        });
+        true);
 }
 BENCHMARK(ResampleMean)->Name("resample_mean")->Unit(benchmark::kMillisecond);
 

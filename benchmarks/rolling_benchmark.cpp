@@ -16,7 +16,7 @@ void RollColumns(benchmark::State& state, const UnaryFactory& make)
         }
         benchmark::DoNotOptimize(result);
     }
-    state.counters["check"] = CheckOf<double>(result, true);
+    state.counters["check"] = CheckOf(result, true);
     state.SetBytesProcessed(state.iterations() * std::int64_t{ROWS} * COLUMNS * std::int64_t{2 * sizeof(double)});
 }
 

@@ -24,7 +24,7 @@ void TurnSquare(benchmark::State& state)
     if (result.GetError().code != ERROR_NONE) {
         state.SkipWithError("the transposition failed");
     }
-    state.counters["check"] = CheckOf<double>(result, true);
+    state.counters["check"] = CheckOf(result, true);
     state.SetBytesProcessed(state.iterations() * std::int64_t{SIDE} * SIDE * std::int64_t{2 * sizeof(double)});
 }
 BENCHMARK(TurnSquare)->Name("transpose_1000")->Unit(benchmark::kMillisecond);

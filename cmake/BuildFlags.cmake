@@ -1,5 +1,6 @@
 # Flags of our own code: tessera_build_flags for everything we compile, tessera_library_flags for the kernels.
 include(CheckCXXCompilerFlag)
+include(CheckLinkerFlag)
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -57,4 +58,13 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release")
             target_compile_options(tessera_library_flags INTERFACE ${flag})
         endif()
     endforeach()
+endif()
+
+# Calls within the library need no detour through a table that a host could alter; only the logger is the host's to
+# replace.
+set(replaceable "${PROJECT_SOURCE_DIR}/cmake/replaceable.list")
+set(directCalls "LINKER:-Bsymbolic-functions,--dynamic-list=${replaceable}")
+check_linker_flag(CXX "${directCalls}" TESSERA_HAS_DIRECT_CALLS)
+if(TESSERA_HAS_DIRECT_CALLS)
+    target_link_options(tessera_library_flags INTERFACE "${directCalls}")
 endif()

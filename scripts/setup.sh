@@ -1,19 +1,26 @@
 #!/usr/bin/env bash
 # Installs what is missing from Debian's packages: what a native build and its tests need, and more for the options.
 # Silent when nothing is missing.
-#   scripts/setup.sh [--arm] [--bench] [--demo] [--docs] [--ci]
+#   scripts/setup.sh [--arm] [--bench] [--compare] [--demo] [--docs] [--fuzz] [--coverage] [--ci]
 set -euo pipefail
 
 packages=(g++ cmake ninja-build ccache python3 pkg-config libgtest-dev libgmock-dev tzdata)
 for option in "$@"; do
     case $option in
         --arm) packages+=(g++-arm-linux-gnueabihf qemu-user googletest) ;;
-        --bench) packages+=(libbenchmark-dev) ;;
+        --bench) packages+=(libbenchmark-dev valgrind gnuplot-nox) ;;
+        --compare) packages+=(libbenchmark-dev gnuplot-nox python3-numpy python3-pandas python3-numexpr
+            python3-bottleneck r-base-core r-cran-data.table)
+            # Other packages of Node.js bring npm along, and refuse the company of Debian's.
+            command -v node > /dev/null || packages+=(nodejs)
+            command -v npm > /dev/null || packages+=(npm) ;;
         --demo) packages+=(gnuplot-nox) ;;
         --docs) packages+=(doxygen) ;;
+        --fuzz) packages+=(clang libclang-rt-14-dev) ;;
+        --coverage) packages+=(gcovr) ;;
         --ci) packages+=(g++-arm-linux-gnueabihf qemu-user googletest libbenchmark-dev
-            git clang clang-format clang-tidy libclang-rt-14-dev doxygen gnuplot-nox) ;;
-        *) echo "usage: scripts/setup.sh [--arm] [--bench] [--demo] [--docs] [--ci]" >&2; exit 2 ;;
+            git clang clang-format clang-tidy libclang-rt-14-dev doxygen gnuplot-nox abigail-tools valgrind) ;;
+        *) sed -n 's/^#   /usage: /p' "$0" >&2; exit 2 ;;
     esac
 done
 

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
+#include <new>
 
 namespace MERVO::Tessera {
 
@@ -15,5 +17,32 @@ namespace MERVO::Tessera {
  */
 void* AllocateBlock(std::size_t count, std::size_t elementSize) noexcept;
 void FreeBlock(void* block) noexcept;
+
+struct BlockRelease {
+    void operator()(void* block) const noexcept { FreeBlock(block); }
+};
+
+/// Owns a block, but not what was constructed in it: no destructor is called.
+template <typename T>
+using Block = std::unique_ptr<T[], BlockRelease>;
+
+/// A block for so many elements, none of which is constructed; null as AllocateBlock.
+template <typename T>
+Block<T> MakeBlock(std::size_t count) noexcept
+{
+    static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__);
+    return Block<T>(static_cast<T*>(AllocateBlock(count, sizeof(T))));
+}
+
+/// The same, but throws std::bad_alloc.
+template <typename T>
+Block<T> NeedBlock(std::size_t count)
+{
+    Block<T> block = MakeBlock<T>(count);
+    if (block == nullptr) {
+        throw std::bad_alloc();
+    }
+    return block;
+}
 
 } // namespace MERVO::Tessera

@@ -1,3 +1,5 @@
+#include "tessera/core/raw_texts.h"
+
 #include <new>
 
 #include "tessera/core/data_frame.h"
@@ -8,6 +10,7 @@
 namespace MERVO::Tessera {
 namespace {
 
+using TextArray = Series<std::string, CONTAINER_ARRAY>;
 using SeriesCreator = SeriesPtr (*)(const SeriesAttr&);
 
 template <MERVO_TESSERA_TYPEID TYPE_ID, ContainerID CID>
@@ -44,5 +47,21 @@ SeriesPtr BuildSeries(const SeriesAttr& attr, std::string name)
     series->SetName(std::move(name));
     return series;
 }
+
+RawTexts BuildRawTexts(std::uint32_t count, std::string name)
+{
+    const SeriesAttr attr{count, CONTAINER_ARRAY, TESSERA_STRING};
+    auto series = std::unique_ptr<TextArray>(new (std::nothrow) TextArray(attr, RawCells{}));
+    if (series == nullptr || series->FirstCell() == nullptr) {
+        return {};
+    }
+    series->SetName(std::move(name));
+    std::string* const cells = series->FirstCell();
+    return {SeriesPtr(series.release()), cells};
+}
+
+bool CanForgetTexts(const BaseSeries& column) { return dynamic_cast<const TextArray*>(&column) != nullptr; }
+
+void ForgetTexts(BaseSeries& column) { static_cast<TextArray&>(column).Forget(); }
 
 } // namespace MERVO::Tessera

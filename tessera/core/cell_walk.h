@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -8,56 +7,66 @@
 
 namespace MERVO::Tessera {
 
-/// A column on the way through a table.
-template <typename Position>
-struct ColumnWalk {
-    Position place;
-    std::uint32_t column;
-};
-
-template <typename Position, typename Visit>
-void WalkInBlocks(std::vector<ColumnWalk<Position>>& walks, std::uint32_t rows, std::uint32_t blockRows, Visit&& visit)
-{
-    for (std::uint32_t first = 0; first < rows;) {
-        const std::uint32_t last = first + std::min(blockRows, rows - first);
-        for (ColumnWalk<Position>& walk : walks) {
-            Position place = walk.place; // a copy, which a write to a byte can't touch
-            for (std::uint32_t row = first; row < last; ++row, ++place) {
-                visit(*place, row, walk.column);
-            }
-            walk.place = place;
-        }
-        first = last;
-    }
-}
-
 /**
- * Calls visit(cell, row, column) for every cell of columns of value type T, column by column within blocks of rows.
+ * What a walk over columns of one value type does with each cell: visit(cell, row, column). Only the loops over a
+ * block of rows know the visitor's type, so that the walk and its callers are compiled once.
  *
- * That is how row-major memory meets columns: a block of its rows stays in cache while each column passes over it. The
- * block is small, so that the processor fetches the next one while it works on this one.
- * Working set: a record per column.
+ * The visitor must outlive it.
  */
-template <typename T, typename Visit>
-void ForEachCell(const std::vector<Cursor>& columns, std::uint32_t rows, Visit&& visit)
-{
-    constexpr std::size_t BLOCK_BYTES = 2 * 1024;
-    constexpr std::size_t FEWEST_ROWS = 8;
-    using ArrayPosition = typename Iterator<CONTAINER_ARRAY, T>::Position;
-    using LinkPosition = typename Iterator<CONTAINER_LIST, T>::Position;
-    std::vector<ColumnWalk<ArrayPosition>> arrays;
-    std::vector<ColumnWalk<LinkPosition>> lists;
-    for (std::uint32_t c = 0; c < columns.size(); ++c) {
-        if (columns[c]->IsMemoryContiguous()) {
-            arrays.push_back({CursorAs<CONTAINER_ARRAY, T>(columns[c]).mHead, c});
-        } else {
-            lists.push_back({CursorAs<CONTAINER_LIST, T>(columns[c]).mHead, c});
+class CellVisit {
+public:
+    /// For cells of type T.
+    template <typename T, typename Visit>
+    static CellVisit Of(const Visit& visit)
+    {
+        return {&visit, &PassOver<CONTAINER_ARRAY, T, Visit>, &PassOver<CONTAINER_LIST, T, Visit>, TYPE_ID_OF<T>,
+            sizeof(T)};
+    }
+
+    MERVO_TESSERA_TYPEID Type() const { return type; }
+
+    /// Takes the step for every cell of columns of the value type, column by column within blocks of rows.
+    ///
+    /// That is how row-major memory meets columns: a block of its rows stays in cache while each column passes over it.
+    /// The block is small, so that the processor fetches the next one while it works on this one.
+    /// The cursors are spent afterwards. Working set: a record per column.
+    void ForEachCell(const std::vector<Cursor>& columns, std::uint32_t rows) const;
+
+private:
+    /// A column on the way through a table: the cursor stands on the next row.
+    struct Column {
+        IteratorInterface* cursor;
+        std::uint32_t number;
+    };
+    /// Visits rows `first` to before `last` of columns in one container, and moves their cursors on.
+    using Pass = void (*)(
+        const void* visitor, const std::vector<Column>& columns, std::uint32_t first, std::uint32_t last);
+
+    CellVisit(const void* visit, Pass overArrays, Pass overLists, MERVO_TESSERA_TYPEID typeId, std::size_t size)
+        : visitor(visit), arrayPass(overArrays), listPass(overLists), type(typeId), cellSize(size)
+    {
+    }
+
+    template <ContainerID CID, typename T, typename Visit>
+    static void PassOver(
+        const void* visitor, const std::vector<Column>& columns, std::uint32_t first, std::uint32_t last)
+    {
+        const Visit& visit = *static_cast<const Visit*>(visitor);
+        for (const Column& column : columns) {
+            auto& head = static_cast<Iterator<CID, T>&>(*column.cursor).mHead;
+            auto place = head; // a copy, which a write to a byte can't touch
+            for (std::uint32_t row = first; row < last; ++row, ++place) {
+                visit(*place, row, column.number);
+            }
+            head = place;
         }
     }
-    const std::size_t rowBytes = std::max<std::size_t>(columns.size(), 1) * sizeof(T);
-    const auto blockRows = static_cast<std::uint32_t>(std::max(BLOCK_BYTES / rowBytes, FEWEST_ROWS));
-    WalkInBlocks(arrays, rows, blockRows, visit);
-    WalkInBlocks(lists, rows, blockRows, visit);
-}
+
+    const void* visitor;
+    Pass arrayPass;
+    Pass listPass;
+    MERVO_TESSERA_TYPEID type;
+    std::size_t cellSize;
+};
 
 } // namespace MERVO::Tessera

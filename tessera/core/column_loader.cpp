@@ -3,43 +3,24 @@
 #include "tessera/core/series_cast.h"
 
 namespace MERVO::Tessera {
-namespace {
-
-ErrorCode CheckShape(const char* name, std::size_t listSize, std::uint64_t dataSize, std::array<unsigned int, 2> shape)
+ErrorCode ColumnLoader::Load(DataFrame& table, std::uint64_t dataSize, Shape shape, const DataFrame::Types& types,
+    const DataFrame::Containers& containers, const CellVisit& fill)
 {
-    const std::size_t rows = shape[0];
-    const std::size_t columns = shape[1];
-    if (rows == 0 || columns == 0) {
-        LogError("Invalid shape, shape[0] %zu, shape[1] %zu", rows, columns);
-        return ERROR_BAD_SHAPE;
+    const ErrorCode code = CheckLoad(table, dataSize, shape, types.size(), containers.size());
+    if (code != ERROR_NONE) {
+        return code;
     }
-    if (listSize != 0 && listSize != columns) {
-        LogError("Type size and shape mismatch, %s.size() %zu, shape[1] %zu", name, listSize, columns);
-        return ERROR_BAD_SHAPE;
+    ColumnLoader loader(table, types, containers);
+    std::vector<Cursor> cursors;
+    Error failure = loader.BuildColumns(shape, fill.Type(), cursors);
+    fill.ForEachCell(cursors, shape[0]);
+    if (failure.code == ERROR_NONE) {
+        failure = loader.CastColumns(fill.Type());
     }
-    if (dataSize != std::uint64_t{shape[0]} * shape[1]) {
-        LogError("Data size and shape mismatch, %s.size: %zu, shape: (%zu, %zu)", name,
-            static_cast<std::size_t>(dataSize), rows, columns);
-        return ERROR_BAD_SHAPE;
-    }
-    return ERROR_NONE;
+    return loader.Install(failure);
 }
 
-} // namespace
-
-ErrorCode CheckLoad(const DataFrameView& table, std::uint64_t dataSize, std::array<unsigned int, 2> shape,
-    std::size_t typeCount, std::size_t containerCount)
-{
-    if (table.GetError().code != ERROR_NONE) {
-        LogError("Failed to read 1d vector, invalid dataframe %d", table.GetError().code);
-        return table.GetError().code;
-    }
-    const ErrorCode code = CheckShape("types", typeCount, dataSize, shape);
-    return code != ERROR_NONE ? code : CheckShape("containers", containerCount, dataSize, shape);
-}
-
-Error ColumnLoader::BuildColumns(
-    std::array<unsigned int, 2> shape, MERVO_TESSERA_TYPEID type, std::vector<Cursor>& cursors)
+Error ColumnLoader::BuildColumns(Shape shape, MERVO_TESSERA_TYPEID type, std::vector<Cursor>& cursors)
 {
     for (unsigned int c = 0; c < shape[1]; ++c) {
         const ContainerID container = containers.empty() ? CONTAINER_ARRAY : containers[c];

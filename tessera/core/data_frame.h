@@ -117,17 +117,17 @@ public:
     [[nodiscard]] ErrorCode Check1DVector(const std::vector<T>& data, std::array<unsigned int, 2> shape,
         const Types& types, const Containers& containers) const
     {
-        return VectorExchange<T>::Check1D(*this, data, shape, types, containers);
+        return CheckLoad(*this, data.size(), shape, types.size(), containers.size());
     }
     template <typename T>
     [[nodiscard]] ErrorCode Check2DVector(const std::vector<std::vector<T>>& data, const Types& types) const
     {
-        return VectorExchange<T>::Check2D(data, types);
+        return CheckLengths(LengthsOf(data), types.size());
     }
     template <typename T>
     [[nodiscard]] ErrorCode Check2DVectorSec(const std::vector<std::vector<T>>& data, const Types& types) const
     {
-        return VectorExchange<T>::Check2DSecond(*this, data, types);
+        return CheckColumnCount(*this, data.size(), types.size());
     }
 
     /**

@@ -122,9 +122,12 @@ ErrorCode DataFrameView::RefreshColumnName() const
         nameToIndex = std::make_shared<NameMap>();
         TakenNames taken(*nameToIndex);
         for (std::size_t i = 0; i < series->size() && (*series)[i] != nullptr; ++i) {
+            const bool isRenamed = nameToIndex->count((*series)[i]->GetName()) != 0;
             std::string name = taken.FreeNameFrom((*series)[i]->GetName());
             nameToIndex->emplace(name, static_cast<unsigned int>(i));
-            (*series)[i]->SetName(std::move(name));
+            if (isRenamed) { // else nothing is written: other threads may be reading the column through their slices
+                (*series)[i]->SetName(std::move(name));
+            }
         }
     } catch (const std::bad_alloc&) {
         SetError({ERROR_OUT_OF_MEMORY, "out of memory on refreshing view."});

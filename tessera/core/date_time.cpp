@@ -62,6 +62,18 @@ bool ScanFields(const char* at, const char* end, ::tm& fields)
     return true;
 }
 
+/// Writes what a clock of the process's time zone shows.
+void ReadClock(std::int32_t stamp, ::tm& fields)
+{
+    const int savedError = errno;
+    errno = 0;
+    const std::time_t seconds = stamp;
+    if (::localtime_r(&seconds, &fields) == nullptr || errno != 0) {
+        LogError("typecast from string to arithmetic int error: %d", errno);
+    }
+    errno = savedError;
+}
+
 template <std::size_t WIDTH>
 char* WriteDigits(char* first, int value)
 {
@@ -74,16 +86,7 @@ char* WriteDigits(char* first, int value)
 
 } // namespace
 
-void DateTime::Parse2Time() const
-{
-    const int savedError = errno;
-    errno = 0;
-    const std::time_t seconds = stamp;
-    if (::localtime_r(&seconds, &calendar) == nullptr || errno != 0) {
-        LogError("typecast from string to arithmetic int error: %d", errno);
-    }
-    errno = savedError;
-}
+void DateTime::Parse2Time() const { ReadClock(stamp, calendar); }
 
 const ::tm* DateTime::GetTime() const
 {
@@ -93,14 +96,15 @@ const ::tm* DateTime::GetTime() const
 
 std::string DateTime::ToString() const
 {
-    Parse2Time();
+    ::tm fields = {}; // not the cache: threads that only read a column may write its cells as text at once
+    ReadClock(stamp, fields);
     std::string text = "0000-00-00 00:00:00"; // 32 bits reach from 1901 to 2038
-    char* at = WriteDigits<4>(text.data(), calendar.tm_year + FIRST_YEAR);
-    at = WriteDigits<2>(at + 1, calendar.tm_mon + 1);
-    at = WriteDigits<2>(at + 1, calendar.tm_mday);
-    at = WriteDigits<2>(at + 1, calendar.tm_hour);
-    at = WriteDigits<2>(at + 1, calendar.tm_min);
-    WriteDigits<2>(at + 1, calendar.tm_sec);
+    char* at = WriteDigits<4>(text.data(), fields.tm_year + FIRST_YEAR);
+    at = WriteDigits<2>(at + 1, fields.tm_mon + 1);
+    at = WriteDigits<2>(at + 1, fields.tm_mday);
+    at = WriteDigits<2>(at + 1, fields.tm_hour);
+    at = WriteDigits<2>(at + 1, fields.tm_min);
+    WriteDigits<2>(at + 1, fields.tm_sec);
     return text;
 }
 

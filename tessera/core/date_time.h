@@ -15,10 +15,10 @@ namespace MERVO::Tessera {
 /**
  * A moment, or a span of time: seconds since 1970-01-01 00:00:00 UTC, in 32 bits on every machine.
  *
- * The stamp alone is the value. Beside it stand the calendar fields of the process's time zone, as a cache which is
- * refreshed before every use; so one DateTime belongs to one thread at a time, even where it is only read. Text and
- * stamp are inverse in one time zone, but for the hour that is repeated at the end of daylight saving, where mktime
- * decides.
+ * The stamp alone is the value. Beside it stand the calendar fields of the process's time zone, as GetTime hands them
+ * out: Parse2Time and GetTime write them, so these two belong to one thread at a time. All else that is const may be
+ * called by several at once. Text and stamp are inverse in one time zone, but for the hour that is repeated at the end
+ * of daylight saving, where mktime decides.
  */
 class TESSERA_API DateTime {
 public:

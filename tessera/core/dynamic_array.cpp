@@ -3,6 +3,8 @@
 #include <cstring>
 #include <utility>
 
+#include "tessera/platform/logger.h"
+
 namespace MERVO::Tessera {
 namespace {
 
@@ -28,6 +30,15 @@ void CopyBools(Values from, std::uint32_t count, std::uint8_t* data)
 }
 
 } // namespace
+
+void* AllocateCells(std::uint32_t count, std::size_t cellSize) noexcept
+{
+    void* const block = count == 0 ? nullptr : AllocateBlock(count, cellSize);
+    if (block == nullptr && count != 0) {
+        LogError("Failed to create dynamic array, size %zu", static_cast<std::size_t>(count));
+    }
+    return block;
+}
 
 DynamicArray<bool>::DynamicArray(std::uint32_t count) : size(count)
 {

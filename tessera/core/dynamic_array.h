@@ -4,14 +4,20 @@
 #include <initializer_list>
 #include <iterator>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "tessera/core/bit_position.h"
 #include "tessera/core/block.h"
 #include "tessera/platform/export.h"
-#include "tessera/platform/logger.h"
 
 namespace MERVO::Tessera {
+
+/// A block for the cells of an array; null, with an error in the log, where there is no memory, and for no cells.
+void* AllocateCells(std::uint32_t count, std::size_t cellSize) noexcept;
+
+/// Asks for cells that whoever asks constructs, every one, before anything else is done with what holds them.
+struct RawCells {};
 
 /**
  * Owner of the heap block behind a column.
@@ -25,26 +31,25 @@ class DynamicArray {
 public:
     explicit DynamicArray(std::uint32_t count) : size(count)
     {
-        if (count == 0) {
-            return;
+        Block<T> block = BlockFor(count);
+        if (block != nullptr) {
+            std::uninitialized_default_construct_n(block.get(), count);
         }
-        Block block(AllocateBlock(count, sizeof(T)));
-        if (block == nullptr) {
-            LogError("Failed to create dynamic array, size %zu", static_cast<std::size_t>(count));
-            return;
-        }
-        std::uninitialized_default_construct_n(static_cast<T*>(block.get()), count);
-        data = static_cast<T*>(block.release());
+        data = block.release();
     }
+    DynamicArray(std::uint32_t count, RawCells) : data(BlockFor(count).release()), size(count) {}
     DynamicArray(const DynamicArray&) = delete;
     DynamicArray& operator=(const DynamicArray&) = delete;
     virtual ~DynamicArray()
     {
-        const Block block(data);
+        const Block<T> block(data);
         if (data != nullptr) {
             std::destroy(std::reverse_iterator(end()), std::reverse_iterator(begin()));
         }
     }
+
+    /// Takes it that the cells have been destroyed, all of them.
+    void Forget() { Block<T>(std::exchange(data, nullptr)).reset(); }
 
     T* begin() { return data; }
     const T* begin() const { return data; }
@@ -55,11 +60,7 @@ public:
     std::uint32_t size;
 
 private:
-    static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__);
-    struct Release {
-        void operator()(void* block) const { FreeBlock(block); }
-    };
-    using Block = std::unique_ptr<void, Release>;
+    static Block<T> BlockFor(std::uint32_t count) { return Block<T>(static_cast<T*>(AllocateCells(count, sizeof(T)))); }
 };
 
 /**

@@ -39,6 +39,8 @@ std::string ElementText(const DataFrame& value)
 
 void PrintText(const std::string& text) { std::cout << text; }
 
+void PrintElement(const std::string& text) { PrintText(text + ", "); }
+
 void EndPrintedLine() { std::cout << std::endl; }
 
 } // namespace MERVO::Tessera

@@ -30,6 +30,7 @@ std::string ElementText(T value)
 
 /// Writes to standard output, with a flush where a line ends.
 void PrintText(const std::string& text);
+void PrintElement(const std::string& text); ///< and ", " behind it
 void EndPrintedLine();
 
 } // namespace MERVO::Tessera

@@ -18,11 +18,11 @@ bool IsShapeValid(const MERVO_TSR_SHAPE& shape)
     return shape.rows != NO_ROWS && shape.cols <= MOST_COLUMNS && cells <= std::numeric_limits<std::uint32_t>::max();
 }
 
-/// Loads cells of type T from a row-major buffer into a handle's table; `call` opens the messages.
-template <typename T, typename Buffer>
-ErrorCode LoadBuffer(const char* call, MERVO_TSR_CONTEXT* handle, const Buffer* data, const MERVO_TSR_SHAPE* shape)
+/// Loads cells from a buffer into a handle's table, by a visit that knows the buffer; `call` opens the messages.
+ErrorCode LoadBuffer(
+    const char* call, MERVO_TSR_CONTEXT* handle, bool hasData, const MERVO_TSR_SHAPE* shape, const CellVisit& fill)
 {
-    if (!CheckDataFrame(handle) || data == nullptr || shape == nullptr || shape->types == nullptr) {
+    if (!CheckDataFrame(handle) || !hasData || shape == nullptr || shape->types == nullptr) {
         LogError("[%s] Invalid input", call);
         return ERROR_BAD_BUFFER;
     }
@@ -30,29 +30,30 @@ ErrorCode LoadBuffer(const char* call, MERVO_TSR_CONTEXT* handle, const Buffer* 
         LogError("[%s] input shape is invalid", call);
         return ERROR_GENERAL;
     }
-    DataFrame& table = *handle->dataFrame;
     const DataFrame::Types types(shape->types, shape->types + shape->cols);
     const std::uint64_t cells = std::uint64_t{shape->rows} * shape->cols;
-    ErrorCode code = CheckLoad(table, cells, {shape->rows, shape->cols}, types.size(), 0);
-    if (code == ERROR_NONE) {
-        const std::size_t columns = shape->cols;
-        code =
-            ColumnLoader(table, types, {})
-                .Load<T>({shape->rows, shape->cols}, [data, columns](auto&& cell, std::size_t row, std::size_t column) {
-                    cell = data[column + columns * row];
-                });
-    }
-    if (code != ERROR_NONE) {
+    if (ColumnLoader::Load(*handle->dataFrame, cells, {shape->rows, shape->cols}, types, {}, fill) != ERROR_NONE) {
         LogError("[ReadData] Failed to read vector");
         return ERROR_LOAD_FAILED;
     }
     return ERROR_NONE;
 }
 
+/// A whole loader: cells of type T from a row-major buffer.
+template <typename T, typename Buffer>
+int32_t ReadCells(const char* call, MERVO_TSR_CONTEXT* handle, const Buffer* data, const MERVO_TSR_SHAPE* shape)
+{
+    const std::size_t columns = shape == nullptr ? 0 : shape->cols;
+    const auto copy = [data, columns](
+                          auto&& cell, std::size_t row, std::size_t column) { cell = data[column + columns * row]; };
+    const CellVisit fill = CellVisit::Of<T>(copy);
+    return Guarded(call, [&] { return LoadBuffer(call, handle, data != nullptr, shape, fill); });
+}
+
 template <typename T>
 int32_t ReadNumbers(MERVO_TSR_CONTEXT* handle, const T* data, const MERVO_TSR_SHAPE* shape)
 {
-    return Guarded("ReadData", [&] { return LoadBuffer<T>("ReadData", handle, data, shape); });
+    return ReadCells<T>("ReadData", handle, data, shape);
 }
 
 /// False when a text is null, which nobody could copy.
@@ -74,7 +75,7 @@ int32_t ReadDataBool(MERVO_TSR_CONTEXT* handle, const bool* data, const MERVO_TS
 {
     // Any non-zero byte is true, and only as a byte may it be looked at.
     const auto* bytes = reinterpret_cast<const unsigned char*>(data);
-    return Guarded("ReadData", [&] { return LoadBuffer<bool>("ReadData", handle, bytes, shape); });
+    return ReadCells<bool>("ReadData", handle, bytes, shape);
 }
 
 int32_t ReadDataInt8(MERVO_TSR_CONTEXT* handle, const int8_t* data, const MERVO_TSR_SHAPE* shape)
@@ -129,9 +130,5 @@ int32_t ReadDataDouble(MERVO_TSR_CONTEXT* handle, const double* data, const MERV
 
 int32_t ReadDataString(MERVO_TSR_CONTEXT* handle, const char* const* data, const MERVO_TSR_SHAPE* shape)
 {
-    constexpr const char* CALL = "ReadDataString";
-    return Guarded(CALL, [&] {
-        const char* const* texts = AreTextsThere(data, shape) ? data : nullptr;
-        return LoadBuffer<std::string>(CALL, handle, texts, shape);
-    });
+    return ReadCells<std::string>("ReadDataString", handle, AreTextsThere(data, shape) ? data : nullptr, shape);
 }

@@ -15,11 +15,10 @@ bool AreBuffersThere(const MERVO_TSR_RESULT& result, std::size_t rows)
         (result.rows != nullptr && std::find(result.rows, result.rows + rows, nullptr) == result.rows + rows);
 }
 
-template <typename T>
-ErrorCode ReadRows(const DataFrameRef& table, MERVO_TSR_RESULT& result)
+ErrorCode ReadRows(const DataFrameRef& table, MERVO_TSR_RESULT& result, const CellVisit& copy)
 {
     TableReader reader(table);
-    if (reader.CanRead(TYPE_ID_OF<T>, "2d", "Type mismatch on exporting 2d vector")) {
+    if (reader.CanRead(copy.Type(), "2d", "Type mismatch on exporting 2d vector")) {
         const ErrorCode code = reader.Open();
         if (code != ERROR_NONE) {
             return code;
@@ -27,23 +26,28 @@ ErrorCode ReadRows(const DataFrameRef& table, MERVO_TSR_RESULT& result)
         if (!AreBuffersThere(result, table.RowCount())) {
             return RefuseHandle("MERVO_TSR_GetResult");
         }
-        reader.Read<T>([&result](auto&& cell, std::size_t row, std::size_t column) {
-            static_cast<T*>(result.rows[row])[column] = cell;
-        });
+        reader.Read(copy);
     }
     result.rowCount = table.RowCount();
     result.colCount = table.ColumnCount();
     return ERROR_NONE;
 }
 
-template <typename T>
-int32_t GetResult(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result) noexcept
+int32_t ReadBehind(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result, const CellVisit& copy) noexcept
 {
     constexpr const char* CALL = "MERVO_TSR_GetResult";
     return Guarded(CALL, [&] {
         const DataFrameRef* table = TableBehind(handle);
-        return table == nullptr || result == nullptr ? RefuseHandle(CALL) : ReadRows<T>(*table, *result);
+        return table == nullptr || result == nullptr ? RefuseHandle(CALL) : ReadRows(*table, *result, copy);
     });
+}
+
+template <typename T>
+int32_t GetResult(MERVO_TSR_CONTEXT* handle, MERVO_TSR_RESULT* result) noexcept
+{
+    return ReadBehind(handle, result, CellVisit::Of<T>([result](auto&& cell, std::size_t row, std::size_t column) {
+        static_cast<T*>(result->rows[row])[column] = cell;
+    }));
 }
 
 } // namespace

@@ -18,6 +18,10 @@ ErrorCode OpenColumns(const DataFrameRef& table, std::vector<Cursor>& cursors)
     return ERROR_NONE;
 }
 
+TableReader::TableReader(const DataFrameRef& source) : table(source) {}
+
+TableReader::~TableReader() = default;
+
 bool TableReader::CanRead(MERVO_TESSERA_TYPEID type, const char* target, const char* mismatch) const
 {
     if (table.GetError().code != ERROR_NONE) {

@@ -17,19 +17,16 @@ namespace MERVO::Tessera {
 /// Reads the cells of a window whose columns share one value type.
 class TableReader {
 public:
-    explicit TableReader(const DataFrameRef& source) : table(source) {}
+    explicit TableReader(const DataFrameRef& source);
+    ~TableReader();
 
     /// Tells whether cells of a value type can be read; logs why not. `target` and `mismatch` are the caller's words.
     bool CanRead(MERVO_TESSERA_TYPEID type, const char* target, const char* mismatch) const;
 
     /// Comes before Read, and before room is made for as many cells as the window claims. Returns as OpenColumns.
     [[nodiscard]] ErrorCode Open() { return OpenColumns(table, cursors); }
-    /// Calls sink(cell, row, column) once for each cell.
-    template <typename T, typename Sink>
-    void Read(Sink&& sink) const
-    {
-        ForEachCell<T>(cursors, table.RowCount(), sink);
-    }
+    /// Visits each cell once.
+    void Read(const CellVisit& visit) const { visit.ForEachCell(cursors, table.RowCount()); }
 
 private:
     const DataFrameRef& table;

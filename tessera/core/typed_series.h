@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <new>
-#include <string>
 #include <type_traits>
 #include <utility>
 
@@ -10,8 +9,8 @@
 #include "tessera/core/element_text.h"
 #include "tessera/core/linked_list.h"
 #include "tessera/core/memory_room.h"
+#include "tessera/core/named_series.h"
 #include "tessera/core/nested_release.h"
-#include "tessera/core/series.h"
 
 namespace MERVO::Tessera {
 
@@ -48,9 +47,10 @@ struct StorageOf<CONTAINER_LIST, T> {
 
 /// The column class of one value type and container.
 template <typename T, ContainerID CID>
-class Series final : public BaseSeries {
+class Series final : public NamedSeries {
 public:
-    explicit Series(const SeriesAttr& seriesAttr) : storage(seriesAttr.length), attr(seriesAttr) {}
+    explicit Series(const SeriesAttr& seriesAttr) : NamedSeries(seriesAttr), storage(seriesAttr.length) {}
+    Series(const SeriesAttr& seriesAttr, RawCells cells) : NamedSeries(seriesAttr), storage(seriesAttr.length, cells) {}
     Series(const Series&) = delete;
     Series& operator=(const Series&) = delete;
     ~Series() override
@@ -62,22 +62,18 @@ public:
     }
 
     std::uint32_t Size() const override { return StorageOf<CID, T>::Count(storage); }
-    MERVO_TESSERA_TYPEID GetTypeId() const override { return attr.typeId; }
     void Print(unsigned int begin, unsigned int end) const override
     {
         const unsigned int last = StorageOf<CID, T>::HasBlock(storage) ? std::min(end, Size()) : begin;
         if (begin < last) {
             auto position = PlaceOf(begin);
             for (unsigned int i = begin; i < last; ++i, ++position) {
-                PrintText(ElementText(static_cast<const T&>(*position)) + ", ");
+                PrintElement(ElementText(static_cast<const T&>(*position)));
             }
         }
         EndPrintedLine();
     }
-    std::string GetName() const override { return name; }
-    void SetName(const std::string& newName) override { name = newName; }
-    void SetName(std::string&& newName) override { name = std::move(newName); }
-    Cursor GetIterator() override { return GetIterator(0, Size()); }
+    using NamedSeries::GetIterator;
     Cursor GetIterator(unsigned int begin, unsigned int end) override
     {
         if (attr.length != 0 && !StorageOf<CID, T>::HasBlock(storage)) {
@@ -88,7 +84,11 @@ public:
         const auto length = static_cast<std::uint32_t>(tail - head);
         return Cursor(new (std::nothrow) Iterator<CID, T>(head, tail, WithLength(attr, length)));
     }
-    SeriesAttr GetAttr() const override { return attr; }
+
+    /// The first cell of an array, null without a block.
+    T* FirstCell() { return storage.data; }
+    /// Takes it that the cells have been destroyed, all of them; nothing but that may follow for the column.
+    void Forget() { storage.Forget(); }
 
 private:
     using Storage = typename StorageOf<CID, T>::Type;
@@ -102,8 +102,6 @@ private:
 
     [[no_unique_address]] std::conditional_t<HOLDS_TABLES, NestedRelease, Nothing> release; // ends behind the storage
     mutable Storage storage; // a cursor writes, and is all that leaves a column
-    SeriesAttr attr;
-    std::string name;
 };
 
 } // namespace MERVO::Tessera

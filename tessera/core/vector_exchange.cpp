@@ -10,74 +10,41 @@
 #include "tessera/core/table_reader.h"
 
 namespace MERVO::Tessera {
+namespace {
 
-template <typename T>
-ErrorCode VectorExchange<T>::Check1D(
-    const DataFrame& table, const std::vector<T>& data, Shape shape, const Types& types, const Containers& containers)
+ErrorCode CheckShape(const char* name, std::size_t listSize, std::uint64_t dataSize, std::array<unsigned int, 2> shape)
 {
-    return CheckLoad(table, data.size(), shape, types.size(), containers.size());
-}
-
-template <typename T>
-ErrorCode VectorExchange<T>::Check2D(const Columns& data, const Types& types)
-{
-    if (data.empty() || data.front().empty()) {
-        LogError("Empty data, vector size %zu", data.size());
-        return ERROR_BAD_SHAPE;
-    }
-    if (!types.empty() && types.size() != data.size()) {
-        LogError("Invalid type length %zu, series size %zu", types.size(), data.size());
-        return ERROR_BAD_SHAPE;
-    }
-    for (const std::vector<T>& column : data) {
-        if (column.size() != data.front().size()) {
-            LogError(
-                "Vector length must be equal to begin size %zu, mismatch size %zu", data.front().size(), column.size());
-            return ERROR_BAD_SHAPE;
-        }
-    }
-    return ERROR_NONE;
-}
-
-template <typename T>
-ErrorCode VectorExchange<T>::Check2DSecond(const DataFrame& table, const Columns& data, const Types& types)
-{
-    const ErrorCode own = table.GetError().code;
-    if (own != ERROR_NONE) {
-        LogError("Failed to check 2d vector, invalid dataframe %d.", own);
-        return own;
-    }
-    if (data.empty()) {
-        LogError("Empty data, vector size %zu in checking 2d vector", data.size());
-        return ERROR_BAD_SHAPE;
-    }
-    if (!types.empty() && types.size() != data.size()) {
-        LogError("Invalid type length %zu, series size %zu", types.size(), data.size());
-        return ERROR_BAD_SHAPE;
-    }
-    return ERROR_NONE;
-}
-
-template <typename T>
-ErrorCode VectorExchange<T>::Read1D(
-    DataFrame& table, const std::vector<T>& data, Shape shape, const Types& types, const Containers& containers)
-try {
-    const ErrorCode code = Check1D(table, data, shape, types, containers);
-    if (code != ERROR_NONE) {
-        return code;
-    }
+    const std::size_t rows = shape[0];
     const std::size_t columns = shape[1];
-    return ColumnLoader(table, types, containers)
-        .Load<T>(shape, [&data, columns](auto&& cell, std::size_t row, std::size_t column) {
-            cell = data[column + columns * row];
-        });
-} catch (...) { // no memory
-    return TellNoMemory("ReadVector");
+    if (rows == 0 || columns == 0) {
+        LogError("Invalid shape, shape[0] %zu, shape[1] %zu", rows, columns);
+        return ERROR_BAD_SHAPE;
+    }
+    if (listSize != 0 && listSize != columns) {
+        LogError("Type size and shape mismatch, %s.size() %zu, shape[1] %zu", name, listSize, columns);
+        return ERROR_BAD_SHAPE;
+    }
+    if (dataSize != std::uint64_t{shape[0]} * shape[1]) {
+        LogError("Data size and shape mismatch, %s.size: %zu, shape: (%zu, %zu)", name,
+            static_cast<std::size_t>(dataSize), rows, columns);
+        return ERROR_BAD_SHAPE;
+    }
+    return ERROR_NONE;
 }
 
-template <typename T>
-ErrorCode VectorExchange<T>::Read2D(DataFrame& table, Columns&& data, const Types& types, const Containers& containers)
-try {
+ErrorCode CheckTypeCount(std::size_t columnCount, std::size_t typeCount)
+{
+    if (typeCount != 0 && typeCount != columnCount) {
+        LogError("Invalid type length %zu, series size %zu", typeCount, columnCount);
+        return ERROR_BAD_SHAPE;
+    }
+    return ERROR_NONE;
+}
+
+/// Loads columns of the given lengths into an empty table; `fill` writes their cells.
+ErrorCode LoadColumns(DataFrame& table, const std::vector<std::size_t>& lengths, const DataFrame::Types& types,
+    const DataFrame::Containers& containers, const CellVisit& fill)
+{
     const ErrorCode own = table.GetError().code;
     if (own != ERROR_NONE) {
         LogError("Failed to read 2d vector, invalid dataframe %d", own);
@@ -88,25 +55,97 @@ try {
             std::size_t{table.RowCount()}, std::size_t{table.ColumnCount()});
         return ERROR_BAD_KIND;
     }
-    ErrorCode code = Check2D(data, types);
-    code = code != ERROR_NONE ? code : Check2DSecond(table, data, types);
+    ErrorCode code = CheckLengths(lengths, types.size());
+    code = code != ERROR_NONE ? code : CheckColumnCount(table, lengths.size(), types.size());
     if (code != ERROR_NONE) {
         return code;
     }
-    const Shape shape{static_cast<unsigned int>(data.front().size()), static_cast<unsigned int>(data.size())};
-    const auto cells = std::uint64_t{data.front().size()} * data.size(); // a length beyond 32 bits misses its shape
-    code = CheckLoad(table, cells, shape, types.size(), containers.size());
+    const ColumnLoader::Shape shape{
+        static_cast<unsigned int>(lengths.front()), static_cast<unsigned int>(lengths.size())};
+    const auto cells = std::uint64_t{lengths.front()} * lengths.size(); // a length beyond 32 bits misses its shape
+    return ColumnLoader::Load(table, cells, shape, types, containers, fill);
+}
+
+/// The cells of a window as one count; throws std::bad_alloc where there is none.
+std::size_t CountCells(const DataFrameRef& table)
+{
+    const std::uint64_t count = std::uint64_t{table.ColumnCount()} * table.RowCount();
+    if (!std::in_range<std::size_t>(count)) { // a 32-bit machine has the memory for so many bits, and no count for them
+        throw std::bad_alloc();
+    }
+    return static_cast<std::size_t>(count);
+}
+
+} // namespace
+
+ErrorCode CheckLoad(const DataFrameView& table, std::uint64_t dataSize, std::array<unsigned int, 2> shape,
+    std::size_t typeCount, std::size_t containerCount)
+{
+    if (table.GetError().code != ERROR_NONE) {
+        LogError("Failed to read 1d vector, invalid dataframe %d", table.GetError().code);
+        return table.GetError().code;
+    }
+    const ErrorCode code = CheckShape("types", typeCount, dataSize, shape);
+    return code != ERROR_NONE ? code : CheckShape("containers", containerCount, dataSize, shape);
+}
+
+ErrorCode CheckLengths(const std::vector<std::size_t>& lengths, std::size_t typeCount)
+{
+    if (lengths.empty() || lengths.front() == 0) {
+        LogError("Empty data, vector size %zu", lengths.size());
+        return ERROR_BAD_SHAPE;
+    }
+    const ErrorCode code = CheckTypeCount(lengths.size(), typeCount);
     if (code != ERROR_NONE) {
         return code;
     }
-    return ColumnLoader(table, types, containers)
-        .Load<T>(shape, [&data](auto&& cell, std::size_t row, std::size_t column) {
+    for (const std::size_t length : lengths) {
+        if (length != lengths.front()) {
+            LogError("Vector length must be equal to begin size %zu, mismatch size %zu", lengths.front(), length);
+            return ERROR_BAD_SHAPE;
+        }
+    }
+    return ERROR_NONE;
+}
+
+ErrorCode CheckColumnCount(const DataFrameView& table, std::size_t columnCount, std::size_t typeCount)
+{
+    const ErrorCode own = table.GetError().code;
+    if (own != ERROR_NONE) {
+        LogError("Failed to check 2d vector, invalid dataframe %d.", own);
+        return own;
+    }
+    if (columnCount == 0) {
+        LogError("Empty data, vector size %zu in checking 2d vector", columnCount);
+        return ERROR_BAD_SHAPE;
+    }
+    return CheckTypeCount(columnCount, typeCount);
+}
+
+template <typename T>
+ErrorCode VectorExchange<T>::Read1D(
+    DataFrame& table, const std::vector<T>& data, Shape shape, const Types& types, const Containers& containers)
+try {
+    const std::size_t columns = shape[1];
+    return ColumnLoader::Load(table, data.size(), shape, types, containers,
+        CellVisit::Of<T>([&data, columns](auto&& cell, std::size_t row, std::size_t column) {
+            cell = data[column + columns * row];
+        }));
+} catch (...) { // no memory
+    return TellNoMemory("ReadVector");
+}
+
+template <typename T>
+ErrorCode VectorExchange<T>::Read2D(DataFrame& table, Columns&& data, const Types& types, const Containers& containers)
+try {
+    return LoadColumns(table, LengthsOf(data), types, containers,
+        CellVisit::Of<T>([&data](auto&& cell, std::size_t row, std::size_t column) {
             if constexpr (std::is_same_v<T, std::string>) {
                 cell = std::move(data[column][row]);
             } else {
                 cell = data[column][row];
             }
-        });
+        }));
 } catch (...) { // no memory
     return TellNoMemory("ReadVectorByCol");
 }
@@ -119,7 +158,8 @@ try {
         return {};
     }
     Rows rows(table.RowCount(), std::vector<T>(table.ColumnCount()));
-    reader.Read<T>([&rows](auto&& cell, std::size_t row, std::size_t column) { rows[row][column] = cell; });
+    reader.Read(
+        CellVisit::Of<T>([&rows](auto&& cell, std::size_t row, std::size_t column) { rows[row][column] = cell; }));
     return rows;
 } catch (...) { // no memory
     static_cast<void>(TellNoMemory("ToVector"));
@@ -134,14 +174,10 @@ try {
         reader.Open() != ERROR_NONE) {
         return {};
     }
+    std::vector<T> cells(CountCells(table));
     const std::size_t columns = table.ColumnCount();
-    const std::uint64_t count = std::uint64_t{columns} * table.RowCount();
-    if (!std::in_range<std::size_t>(count)) { // a 32-bit machine has the memory for so many bits, and no count for them
-        throw std::bad_alloc();
-    }
-    std::vector<T> cells(static_cast<std::size_t>(count));
-    reader.Read<T>(
-        [&cells, columns](auto&& cell, std::size_t row, std::size_t column) { cells[column + row * columns] = cell; });
+    reader.Read(CellVisit::Of<T>(
+        [&cells, columns](auto&& cell, std::size_t row, std::size_t column) { cells[column + row * columns] = cell; }));
     return cells;
 } catch (...) { // no memory
     static_cast<void>(TellNoMemory("To1DVector"));

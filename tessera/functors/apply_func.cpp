@@ -52,6 +52,6 @@ ErrorCode ApplyFunc<CID, CALLABLE>::OnExecute(const Cursor& src, const Cursor& d
 }
 
 template class ApplyFunc<CONTAINER_ARRAY, BoolStep&>;
-template class Unary<ApplyFunc<CONTAINER_ARRAY, BoolStep&>, MutableArgs::SOURCE>;
+template const UnaryTable<1> Unary<ApplyFunc<CONTAINER_ARRAY, BoolStep&>, MutableArgs::SOURCE>::transformTable;
 
 } // namespace MERVO::Tessera::Func

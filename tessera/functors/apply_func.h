@@ -29,7 +29,7 @@ private:
     BoolStep& step;
 };
 
-extern template class Unary<ApplyFunc<CONTAINER_ARRAY, BoolStep&>, MutableArgs::SOURCE>;
+extern template const UnaryTable<1> Unary<ApplyFunc<CONTAINER_ARRAY, BoolStep&>, MutableArgs::SOURCE>::transformTable;
 extern template class ApplyFunc<CONTAINER_ARRAY, BoolStep&>;
 
 } // namespace MERVO::Tessera::Func

@@ -91,15 +91,15 @@ template class BinaryArith<CONTAINER_ARRAY, Arith::SUBTRACTION>;
 template class BinaryArith<CONTAINER_ARRAY, Arith::MULTIPLICATION>;
 template class BinaryArith<CONTAINER_ARRAY, Arith::DIVISION>;
 template class BinaryArith<CONTAINER_ARRAY, Arith::REMAINDER>;
-template class Binary<BinaryArith<CONTAINER_ARRAY, Arith::ADDITION>, MutableArgs::SOURCE>;
-template class Binary<BinaryArith<CONTAINER_ARRAY, Arith::SUBTRACTION>, MutableArgs::SOURCE>;
-template class Binary<BinaryArith<CONTAINER_ARRAY, Arith::MULTIPLICATION>, MutableArgs::SOURCE>;
-template class Binary<BinaryArith<CONTAINER_ARRAY, Arith::DIVISION>, MutableArgs::SOURCE>;
-template class Binary<BinaryArith<CONTAINER_ARRAY, Arith::REMAINDER>, MutableArgs::SOURCE>;
-template class Add<CONTAINER_ARRAY>;
-template class Sub<CONTAINER_ARRAY>;
-template class Mul<CONTAINER_ARRAY>;
-template class Div<CONTAINER_ARRAY>;
-template class Mod<CONTAINER_ARRAY>;
+template const BinaryTable<1>
+    Binary<BinaryArith<CONTAINER_ARRAY, Arith::ADDITION>, MutableArgs::SOURCE>::transformTable;
+template const BinaryTable<1>
+    Binary<BinaryArith<CONTAINER_ARRAY, Arith::SUBTRACTION>, MutableArgs::SOURCE>::transformTable;
+template const BinaryTable<1>
+    Binary<BinaryArith<CONTAINER_ARRAY, Arith::MULTIPLICATION>, MutableArgs::SOURCE>::transformTable;
+template const BinaryTable<1>
+    Binary<BinaryArith<CONTAINER_ARRAY, Arith::DIVISION>, MutableArgs::SOURCE>::transformTable;
+template const BinaryTable<1>
+    Binary<BinaryArith<CONTAINER_ARRAY, Arith::REMAINDER>, MutableArgs::SOURCE>::transformTable;
 
 } // namespace MERVO::Tessera::Func

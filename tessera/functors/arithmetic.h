@@ -30,6 +30,8 @@ enum ArithOpType : std::uint32_t { ADDITION = 0, SUBTRACTION = 1, MULTIPLICATION
 template <ContainerID CID, Arith::ArithOpType OP>
 class TESSERA_API BinaryArith : public Binary<BinaryArith<CID, OP>, MutableArgs::SOURCE> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& lhs, const Cursor& rhs) const override;
     bool CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const override;
@@ -40,39 +42,39 @@ public:
 };
 
 template <ContainerID CID>
-class TESSERA_API Add final : public BinaryArith<CID, Arith::ADDITION> {
+class Add final : public BinaryArith<CID, Arith::ADDITION> {
 };
 
 template <ContainerID CID>
-class TESSERA_API Sub final : public BinaryArith<CID, Arith::SUBTRACTION> {
+class Sub final : public BinaryArith<CID, Arith::SUBTRACTION> {
 };
 
 template <ContainerID CID>
-class TESSERA_API Mul final : public BinaryArith<CID, Arith::MULTIPLICATION> {
+class Mul final : public BinaryArith<CID, Arith::MULTIPLICATION> {
 };
 
 template <ContainerID CID>
-class TESSERA_API Div final : public BinaryArith<CID, Arith::DIVISION> {
+class Div final : public BinaryArith<CID, Arith::DIVISION> {
 };
 
 template <ContainerID CID>
-class TESSERA_API Mod final : public BinaryArith<CID, Arith::REMAINDER> {
+class Mod final : public BinaryArith<CID, Arith::REMAINDER> {
 };
 
-extern template class Binary<BinaryArith<CONTAINER_ARRAY, Arith::ADDITION>, MutableArgs::SOURCE>;
-extern template class Binary<BinaryArith<CONTAINER_ARRAY, Arith::SUBTRACTION>, MutableArgs::SOURCE>;
-extern template class Binary<BinaryArith<CONTAINER_ARRAY, Arith::MULTIPLICATION>, MutableArgs::SOURCE>;
-extern template class Binary<BinaryArith<CONTAINER_ARRAY, Arith::DIVISION>, MutableArgs::SOURCE>;
-extern template class Binary<BinaryArith<CONTAINER_ARRAY, Arith::REMAINDER>, MutableArgs::SOURCE>;
+extern template const BinaryTable<1>
+    Binary<BinaryArith<CONTAINER_ARRAY, Arith::ADDITION>, MutableArgs::SOURCE>::transformTable;
+extern template const BinaryTable<1>
+    Binary<BinaryArith<CONTAINER_ARRAY, Arith::SUBTRACTION>, MutableArgs::SOURCE>::transformTable;
+extern template const BinaryTable<1>
+    Binary<BinaryArith<CONTAINER_ARRAY, Arith::MULTIPLICATION>, MutableArgs::SOURCE>::transformTable;
+extern template const BinaryTable<1>
+    Binary<BinaryArith<CONTAINER_ARRAY, Arith::DIVISION>, MutableArgs::SOURCE>::transformTable;
+extern template const BinaryTable<1>
+    Binary<BinaryArith<CONTAINER_ARRAY, Arith::REMAINDER>, MutableArgs::SOURCE>::transformTable;
 extern template class BinaryArith<CONTAINER_ARRAY, Arith::ADDITION>;
 extern template class BinaryArith<CONTAINER_ARRAY, Arith::SUBTRACTION>;
 extern template class BinaryArith<CONTAINER_ARRAY, Arith::MULTIPLICATION>;
 extern template class BinaryArith<CONTAINER_ARRAY, Arith::DIVISION>;
 extern template class BinaryArith<CONTAINER_ARRAY, Arith::REMAINDER>;
-extern template class Add<CONTAINER_ARRAY>;
-extern template class Sub<CONTAINER_ARRAY>;
-extern template class Mul<CONTAINER_ARRAY>;
-extern template class Div<CONTAINER_ARRAY>;
-extern template class Mod<CONTAINER_ARRAY>;
 
 } // namespace MERVO::Tessera::Func

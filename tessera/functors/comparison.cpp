@@ -73,20 +73,15 @@ ErrorCode CompareCommon<F, ARG>::OnExecute(const Cursor& lhs, const Cursor& rhs,
 
 } // namespace Compare
 
-template class Equal<CONTAINER_ARRAY>;
 template class Compare::CompareCommon<Equal<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
-template class Binary<Equal<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
-template class Greater<CONTAINER_ARRAY>;
+template const BinaryTable<1> Binary<Equal<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 template class Compare::CompareCommon<Greater<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
-template class Binary<Greater<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
-template class Less<CONTAINER_ARRAY>;
+template const BinaryTable<1> Binary<Greater<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 template class Compare::CompareCommon<Less<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
-template class Binary<Less<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
-template class GreaterEqual<CONTAINER_ARRAY>;
+template const BinaryTable<1> Binary<Less<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 template class Compare::CompareCommon<GreaterEqual<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
-template class Binary<GreaterEqual<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
-template class LessEqual<CONTAINER_ARRAY>;
+template const BinaryTable<1> Binary<GreaterEqual<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 template class Compare::CompareCommon<LessEqual<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
-template class Binary<LessEqual<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+template const BinaryTable<1> Binary<LessEqual<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 
 } // namespace MERVO::Tessera::Func

@@ -26,6 +26,8 @@ bool CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst);
 template <typename F, MutableArgs ARG>
 class TESSERA_API CompareCommon : public Binary<F, ARG> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& lhs, const Cursor& rhs) const override;
     bool CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const override;
@@ -70,20 +72,15 @@ public:
     static constexpr Compare::Relation RELATION = Compare::Relation::LESS_EQUAL;
 };
 
-extern template class Binary<Equal<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
-extern template class Binary<Greater<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
-extern template class Binary<Less<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
-extern template class Binary<GreaterEqual<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
-extern template class Binary<LessEqual<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template const BinaryTable<1> Binary<Equal<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
+extern template const BinaryTable<1> Binary<Greater<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
+extern template const BinaryTable<1> Binary<Less<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
+extern template const BinaryTable<1> Binary<GreaterEqual<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
+extern template const BinaryTable<1> Binary<LessEqual<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 extern template class Compare::CompareCommon<Equal<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
 extern template class Compare::CompareCommon<Greater<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
 extern template class Compare::CompareCommon<Less<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
 extern template class Compare::CompareCommon<GreaterEqual<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
 extern template class Compare::CompareCommon<LessEqual<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
-extern template class Equal<CONTAINER_ARRAY>;
-extern template class Greater<CONTAINER_ARRAY>;
-extern template class Less<CONTAINER_ARRAY>;
-extern template class GreaterEqual<CONTAINER_ARRAY>;
-extern template class LessEqual<CONTAINER_ARRAY>;
 
 } // namespace MERVO::Tessera::Func

@@ -54,6 +54,6 @@ ErrorCode CopySeries<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
 }
 
 template class CopySeries<CONTAINER_ARRAY>;
-template class Unary<CopySeries<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template const UnaryTable<1> Unary<CopySeries<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 
 } // namespace MERVO::Tessera::Func

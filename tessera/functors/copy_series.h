@@ -17,7 +17,7 @@ public:
     ErrorCode OnExecute(const Cursor& src, const Cursor& dst) const;
 };
 
-extern template class Unary<CopySeries<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template const UnaryTable<1> Unary<CopySeries<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 extern template class CopySeries<CONTAINER_ARRAY>;
 
 } // namespace MERVO::Tessera::Func

@@ -116,11 +116,11 @@ ErrorCode ErrorBinaryFunctor<CID>::OnExecute(const Cursor&, const Cursor&, const
 }
 
 template class ErrorNullaryFunctor<CONTAINER_ARRAY>;
-template class Nullary<ErrorNullaryFunctor<CONTAINER_ARRAY>>;
+template const NullaryTable<0> Nullary<ErrorNullaryFunctor<CONTAINER_ARRAY>>::transformTable;
 template class ErrorUnaryFunctor<CONTAINER_ARRAY>;
-template class Unary<ErrorUnaryFunctor<CONTAINER_ARRAY>>;
+template const UnaryTable<0> Unary<ErrorUnaryFunctor<CONTAINER_ARRAY>>::transformTable;
 template class ErrorBinaryFunctor<CONTAINER_ARRAY>;
-template class Binary<ErrorBinaryFunctor<CONTAINER_ARRAY>>;
+template const BinaryTable<0> Binary<ErrorBinaryFunctor<CONTAINER_ARRAY>>::transformTable;
 
 namespace {
 

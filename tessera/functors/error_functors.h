@@ -45,11 +45,11 @@ public:
     ErrorCode OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const;
 };
 
-extern template class Nullary<ErrorNullaryFunctor<CONTAINER_ARRAY>>;
+extern template const NullaryTable<0> Nullary<ErrorNullaryFunctor<CONTAINER_ARRAY>>::transformTable;
 extern template class ErrorNullaryFunctor<CONTAINER_ARRAY>;
-extern template class Unary<ErrorUnaryFunctor<CONTAINER_ARRAY>>;
+extern template const UnaryTable<0> Unary<ErrorUnaryFunctor<CONTAINER_ARRAY>>::transformTable;
 extern template class ErrorUnaryFunctor<CONTAINER_ARRAY>;
-extern template class Binary<ErrorBinaryFunctor<CONTAINER_ARRAY>>;
+extern template const BinaryTable<0> Binary<ErrorBinaryFunctor<CONTAINER_ARRAY>>::transformTable;
 extern template class ErrorBinaryFunctor<CONTAINER_ARRAY>;
 
 /// The shared error functor of an arity; Base is NullaryBase, UnaryBase or BinaryBase. The pointer does not own it.

@@ -4,14 +4,15 @@
 
 namespace MERVO::Tessera::Func {
 
+// Kernels of the library's functors live in sources: headers say `extern template` of a table of them and of the class
+// that brings them. These are exported, as are the classes they are templates of; the rest belongs to whoever uses it.
+
 /**
  * The frame of a functor on one cursor. F derives from Nullary<F, ...> and brings GetName, GetDstAttr, CheckParams and
  * `template <typename T> ErrorCode OnExecute(const Cursor&) const`; OnExecuteSIMD if it has a contiguous form.
  */
 template <typename F, MutableArgs... ARGS>
-class TESSERA_API Nullary : public NullaryBase {
-    using Layout = TransformTable<CallerID::NULLARY, F, sizeof...(ARGS)>;
-
+class Nullary : public NullaryBase {
 public:
     Error ProcessSeries(const Cursor& cursor) const override
     {
@@ -24,12 +25,12 @@ public:
         return ERROR_GENERAL;
     }
 
-    static const std::array<NullaryEntry, Layout::SIZE> transformTable;
+    TESSERA_API static const NullaryTable<sizeof...(ARGS)> transformTable;
 };
 
 template <typename F, MutableArgs... ARGS>
-constinit const std::array<NullaryEntry, Nullary<F, ARGS...>::Layout::SIZE>
-    Nullary<F, ARGS...>::transformTable = Nullary<F, ARGS...>::Layout::Make();
+constinit const NullaryTable<sizeof...(ARGS)>
+    Nullary<F, ARGS...>::transformTable = TransformTable<CallerID::NULLARY, F, sizeof...(ARGS)>::Make();
 
 /**
  * The frame of a functor from a source to a destination. F derives from Unary<F, ...> and brings GetName and
@@ -37,9 +38,7 @@ constinit const std::array<NullaryEntry, Nullary<F, ARGS...>::Layout::SIZE>
  * ARGS name. By default it reduces: one cell of the source's type from at least one element.
  */
 template <typename F, MutableArgs... ARGS>
-class TESSERA_API Unary : public UnaryBase {
-    using Layout = TransformTable<CallerID::UNARY, F, sizeof...(ARGS)>;
-
+class Unary : public UnaryBase {
 public:
     Error ProcessSeries(const Cursor& src, const Cursor& dst, bool check) const override
     {
@@ -60,17 +59,16 @@ public:
         return ERROR_GENERAL;
     }
 
-    static const std::array<UnaryEntry, Layout::SIZE> transformTable;
+    TESSERA_API static const UnaryTable<sizeof...(ARGS)> transformTable;
 };
 
 template <typename F, MutableArgs... ARGS>
-constinit const std::array<UnaryEntry, Unary<F, ARGS...>::Layout::SIZE>
-    Unary<F, ARGS...>::transformTable = Unary<F, ARGS...>::Layout::Make();
+constinit const UnaryTable<sizeof...(ARGS)>
+    Unary<F, ARGS...>::transformTable = TransformTable<CallerID::UNARY, F, sizeof...(ARGS)>::Make();
 
 /// The frame of a functor from two sources to a destination; F brings what the unary frame asks for, with two sources.
 template <typename F, MutableArgs... ARGS>
-class TESSERA_API Binary : public BinaryBase {
-    using Layout = TransformTable<CallerID::BINARY, F, sizeof...(ARGS)>;
+class Binary : public BinaryBase {
     static_assert(sizeof...(ARGS) <= 1);
 
 public:
@@ -88,11 +86,11 @@ public:
         return ERROR_GENERAL;
     }
 
-    static const std::array<BinaryEntry, Layout::SIZE> transformTable;
+    TESSERA_API static const BinaryTable<sizeof...(ARGS)> transformTable;
 };
 
 template <typename F, MutableArgs... ARGS>
-constinit const std::array<BinaryEntry, Binary<F, ARGS...>::Layout::SIZE>
-    Binary<F, ARGS...>::transformTable = Binary<F, ARGS...>::Layout::Make();
+constinit const BinaryTable<sizeof...(ARGS)>
+    Binary<F, ARGS...>::transformTable = TransformTable<CallerID::BINARY, F, sizeof...(ARGS)>::Make();
 
 } // namespace MERVO::Tessera::Func

@@ -11,18 +11,16 @@
 #include "tessera/core/bit_bytes.h"
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
-#include "tessera/core/memory_room.h"
+#include "tessera/core/scattered.h"
 #include "tessera/functors/assign_text.h"
 #include "tessera/functors/element_walk.h"
+#include "tessera/functors/long_texts.h"
 #include "tessera/functors/missing_cell.h"
 
 namespace MERVO::Tessera::Func {
 namespace {
 
 using Positions = std::span<const std::uint32_t>;
-
-/// So many elements ahead of the copy, large elements are asked for: memory answers later than the processor looks.
-constexpr std::size_t AHEAD = 16;
 
 /// A number as its bytes, so that numbers of one size share their code.
 template <std::size_t SIZE>
@@ -79,9 +77,7 @@ struct EitherColumn {
 template <typename Cell, typename PlaceOf>
 void CopyNumbers(PlaceOf placeOf, Cell* to, std::size_t count)
 {
-    for (std::size_t i = 0; i < count; ++i) {
-        std::memcpy(to + i, placeOf(i), sizeof(Cell));
-    }
+    VisitScattered(count, placeOf, [to](std::size_t i, const Cell* from) { std::memcpy(to + i, from, sizeof(Cell)); });
 }
 
 template <typename PlaceOf>
@@ -102,51 +98,16 @@ void Assign(std::string& cell, const std::string& text) { AssignText(cell, text)
 void Assign(DateTime& cell, const DateTime& time) { cell = time; }
 void Assign(DataFrame& cell, const DataFrame& table) { cell = table; }
 
-/// One text may go to millions of cells. Each copy alone the system would grant, and end the process while they are
-/// filled; so once long texts have added up to something, all of them are counted before the next one is copied.
-class LongTexts {
-public:
-    template <typename PlaceOf>
-    void Add(std::size_t length, PlaceOf placeOf, std::size_t count)
-    {
-        if (length >= LONG && !isCounted && (copied += length) >= MANY) [[unlikely]] {
-            RequireRoom(placeOf, count);
-        }
-    }
-
-private:
-    static constexpr std::size_t LONG = 256; // shorter ones take up little beside the column itself
-    static constexpr std::size_t MANY = std::size_t{64} << 20;
-
-    template <typename PlaceOf>
-    void RequireRoom(PlaceOf placeOf, std::size_t count)
-    {
-        std::uint64_t bytes = 0;
-        for (std::size_t i = 0; i < count; ++i) {
-            bytes += placeOf(i)->size();
-        }
-        if (!HasRoomFor(bytes, 1)) {
-            throw std::bad_alloc();
-        }
-        isCounted = true;
-    }
-
-    std::size_t copied = 0;
-    bool isCounted = false;
-};
-
 template <typename T, typename PlaceOf>
 void CopyLarge(PlaceOf placeOf, T* to, std::size_t count)
 {
     [[maybe_unused]] LongTexts longTexts;
-    for (std::size_t i = 0; i < count; ++i) {
-        __builtin_prefetch(placeOf(std::min(i + AHEAD, count - 1)));
-        const T& cell = *placeOf(i);
+    VisitScattered(count, placeOf, [to, count, placeOf, &longTexts](std::size_t i, const T* from) {
         if constexpr (std::is_same_v<T, std::string>) {
-            longTexts.Add(cell.size(), placeOf, count);
+            longTexts.Add(from->size(), placeOf, count);
         }
-        Assign(to[i], cell);
-    }
+        Assign(to[i], *from);
+    });
 }
 
 template <typename T, typename PlaceOf>

@@ -196,19 +196,15 @@ ErrorCode BoolFold<F, DECISIVE>::OnExecute(const Cursor& src, const Cursor& dst)
     }
 }
 
-template class And<CONTAINER_ARRAY>;
 template class BoolCombination<And<CONTAINER_ARRAY>, true>;
-template class Binary<And<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
-template class Or<CONTAINER_ARRAY>;
+template const BinaryTable<1> Binary<And<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 template class BoolCombination<Or<CONTAINER_ARRAY>, false>;
-template class Binary<Or<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+template const BinaryTable<1> Binary<Or<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 template class Not<CONTAINER_ARRAY>;
-template class Unary<Not<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
-template class Any<CONTAINER_ARRAY>;
+template const UnaryTable<1> Unary<Not<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 template class BoolFold<Any<CONTAINER_ARRAY>, true>;
-template class Unary<Any<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
-template class All<CONTAINER_ARRAY>;
+template const UnaryTable<1> Unary<Any<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 template class BoolFold<All<CONTAINER_ARRAY>, false>;
-template class Unary<All<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+template const UnaryTable<1> Unary<All<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 
 } // namespace MERVO::Tessera::Func

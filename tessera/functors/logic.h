@@ -68,19 +68,15 @@ template <ContainerID CID>
 class TESSERA_API All final : public BoolFold<All<CID>, false> {
 };
 
-extern template class Binary<And<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template const BinaryTable<1> Binary<And<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 extern template class BoolCombination<And<CONTAINER_ARRAY>, true>;
-extern template class And<CONTAINER_ARRAY>;
-extern template class Binary<Or<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template const BinaryTable<1> Binary<Or<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 extern template class BoolCombination<Or<CONTAINER_ARRAY>, false>;
-extern template class Or<CONTAINER_ARRAY>;
-extern template class Unary<Not<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template const UnaryTable<1> Unary<Not<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 extern template class Not<CONTAINER_ARRAY>;
-extern template class Unary<Any<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template const UnaryTable<1> Unary<Any<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 extern template class BoolFold<Any<CONTAINER_ARRAY>, true>;
-extern template class Any<CONTAINER_ARRAY>;
-extern template class Unary<All<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template const UnaryTable<1> Unary<All<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 extern template class BoolFold<All<CONTAINER_ARRAY>, false>;
-extern template class All<CONTAINER_ARRAY>;
 
 } // namespace MERVO::Tessera::Func

@@ -31,6 +31,21 @@ void MarkReals(const Real* elements, Mark* marks, std::uint32_t count)
     HasWideVectors() ? MarkEachWide(elements, marks, count) : MarkEach(elements, marks, count);
 }
 
+template <typename Real>
+[[gnu::always_inline]] inline void CountEach(
+    const Real* __restrict elements, std::uint8_t* __restrict counts, std::uint32_t count)
+{
+    for (std::uint32_t i = 0; i < count; ++i) {
+        counts[i] = static_cast<std::uint8_t>(counts[i] + (elements[i] != elements[i] ? 1 : 0));
+    }
+}
+
+template <typename Real>
+TESSERA_WIDE_VECTORS void CountEachWide(const Real* elements, std::uint8_t* counts, std::uint32_t count)
+{
+    CountEach(elements, counts, count);
+}
+
 template <typename Real, typename Mark>
 ErrorCode MarkCells(const void* elements, void* marks, std::uint32_t count)
 {
@@ -63,6 +78,16 @@ MarkKernel KernelFor(MERVO_TESSERA_TYPEID type)
 void MarkNans(const float* elements, bool* marks, std::uint32_t count) { MarkReals(elements, marks, count); }
 
 void MarkNans(const double* elements, bool* marks, std::uint32_t count) { MarkReals(elements, marks, count); }
+
+void CountNans(const float* elements, std::uint8_t* counts, std::uint32_t count)
+{
+    HasWideVectors() ? CountEachWide(elements, counts, count) : CountEach(elements, counts, count);
+}
+
+void CountNans(const double* elements, std::uint8_t* counts, std::uint32_t count)
+{
+    HasWideVectors() ? CountEachWide(elements, counts, count) : CountEach(elements, counts, count);
+}
 
 ErrorCode MarkNans(const Cursor& src, const Cursor& dst)
 {

@@ -54,8 +54,7 @@ ErrorCode ToArrayBase<CID>::OnExecute(const Cursor& cursor) const
     return ERROR_NONE;
 }
 
-template class ToArray<CONTAINER_ARRAY, void*, std::uint32_t>;
 template class ToArrayBase<CONTAINER_ARRAY>;
-template class Nullary<ToArrayBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template const NullaryTable<1> Nullary<ToArrayBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 
 } // namespace MERVO::Tessera::Func

@@ -39,13 +39,12 @@ private:
  * @tparam SIZE   how the size is handed in: uint32 by value, reference or const reference.
  */
 template <ContainerID CID, typename TARGET, typename SIZE>
-class TESSERA_API ToArray final : public ToArrayBase<CID> {
+class ToArray final : public ToArrayBase<CID> {
 public:
     ToArray(TARGET target, SIZE size) : ToArrayBase<CID>(target, TYPE_ID_OF<std::remove_pointer_t<TARGET>>, size) {}
 };
 
-extern template class Nullary<ToArrayBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template const NullaryTable<1> Nullary<ToArrayBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 extern template class ToArrayBase<CONTAINER_ARRAY>;
-extern template class ToArray<CONTAINER_ARRAY, void*, std::uint32_t>;
 
 } // namespace MERVO::Tessera::Func

@@ -64,10 +64,8 @@ ErrorCode TypeCastBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) con
 }
 
 template class TypeCastBase<CONTAINER_ARRAY>;
-template class Unary<TypeCastBase<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
-template class TypeCast<CONTAINER_ARRAY, MERVO_TESSERA_TYPEID>;
-template class TypeCast<CONTAINER_ARRAY, MERVO_TESSERA_TYPEID&>;
-template class TypeCast<CONTAINER_ARRAY, const MERVO_TESSERA_TYPEID&>;
+template const UnaryTable<2>
+    Unary<TypeCastBase<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 
 } // namespace Func
 

@@ -11,7 +11,7 @@ template <ContainerID CID>
 class TESSERA_API TypeCastBase : public Unary<TypeCastBase<CID>, MutableArgs::SOURCE, MutableArgs::DESTINATION> {
 public:
     /// Both types pick the kernel, but at run time: most of the pairs share theirs with others.
-    static constexpr bool kDestinationAltersKernel = false;
+    static constexpr bool kValueTypesAlterKernel = false;
 
     explicit TypeCastBase(MERVO_TESSERA_TYPEID typeId) : target(typeId) {}
 
@@ -39,15 +39,13 @@ private:
  * @tparam TYPE_ARG how the target is handed in: by value, reference or const reference.
  */
 template <ContainerID CID, typename TYPE_ARG>
-class TESSERA_API TypeCast final : public TypeCastBase<CID> {
+class TypeCast final : public TypeCastBase<CID> {
 public:
     explicit TypeCast(TYPE_ARG typeId) : TypeCastBase<CID>(typeId) {}
 };
 
-extern template class Unary<TypeCastBase<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
+extern template const UnaryTable<2>
+    Unary<TypeCastBase<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 extern template class TypeCastBase<CONTAINER_ARRAY>;
-extern template class TypeCast<CONTAINER_ARRAY, MERVO_TESSERA_TYPEID>;
-extern template class TypeCast<CONTAINER_ARRAY, MERVO_TESSERA_TYPEID&>;
-extern template class TypeCast<CONTAINER_ARRAY, const MERVO_TESSERA_TYPEID&>;
 
 } // namespace MERVO::Tessera::Func

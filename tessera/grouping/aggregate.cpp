@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <new>
 #include <numeric>
+#include <span>
 #include <utility>
 
 #include "tessera/functors/copy_series.h"
@@ -54,7 +55,7 @@ ErrorCode Select(const DataFrame& table, const ColumnList& keys, const ColumnLis
 }
 
 /// A new column of the cells at some positions. Throws std::bad_alloc.
-SeriesPtr GatherColumn(const Cursor& src, const Positions& positions, const std::string& name)
+SeriesPtr GatherColumn(const Cursor& src, std::span<const std::uint32_t> positions, const std::string& name)
 {
     SeriesPtr column = NewColumn(WithLength(src->GetAttr(), static_cast<std::uint32_t>(positions.size())), name);
     Func::Gather(src, positions, AllOf(column));

@@ -45,8 +45,7 @@ ErrorCode AssignIndexBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) 
     });
 }
 
-template class Unary<AssignIndexBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template const UnaryTable<1> Unary<AssignIndexBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 template class AssignIndexBase<CONTAINER_ARRAY>;
-template class AssignIndex<CONTAINER_ARRAY, const Rows&>;
 
 } // namespace MERVO::Tessera::Func

@@ -11,6 +11,8 @@ namespace MERVO::Tessera::Func {
 template <ContainerID CID>
 class TESSERA_API AssignIndexBase : public Unary<AssignIndexBase<CID>, MutableArgs::DESTINATION> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     explicit AssignIndexBase(const std::vector<std::uint32_t>& sourceRows) : rows(sourceRows) {}
 
     std::string GetName() const override;
@@ -32,15 +34,14 @@ private:
  * @tparam INDEX how the list is handed in, const std::vector<std::uint32_t>&.
  */
 template <ContainerID CID, typename INDEX>
-class TESSERA_API AssignIndex final : public AssignIndexBase<CID> {
+class AssignIndex final : public AssignIndexBase<CID> {
     static_assert(std::is_reference_v<INDEX>);
 
 public:
     explicit AssignIndex(INDEX sourceRows) : AssignIndexBase<CID>(sourceRows) {}
 };
 
-extern template class Unary<AssignIndexBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template const UnaryTable<1> Unary<AssignIndexBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 extern template class AssignIndexBase<CONTAINER_ARRAY>;
-extern template class AssignIndex<CONTAINER_ARRAY, const std::vector<std::uint32_t>&>;
 
 } // namespace MERVO::Tessera::Func

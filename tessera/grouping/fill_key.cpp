@@ -60,8 +60,7 @@ ErrorCode FillKeyBase<CID>::OnExecute(const Cursor& lhs, const Cursor& rhs, cons
     });
 }
 
-template class Binary<FillKeyBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template const BinaryTable<1> Binary<FillKeyBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 template class FillKeyBase<CONTAINER_ARRAY>;
-template class FillKey<CONTAINER_ARRAY, Rows&, Rows&>;
 
 } // namespace MERVO::Tessera::Func

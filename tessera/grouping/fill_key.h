@@ -10,6 +10,8 @@ namespace MERVO::Tessera::Func {
 template <ContainerID CID>
 class TESSERA_API FillKeyBase : public Binary<FillKeyBase<CID>, MutableArgs::DESTINATION> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     FillKeyBase(const std::vector<std::uint32_t>& leftRows, const std::vector<std::uint32_t>& rightRows)
         : left(leftRows), right(rightRows)
     {
@@ -35,13 +37,12 @@ private:
  * @tparam ARGS how the lists are handed in, twice std::vector<std::uint32_t>&.
  */
 template <ContainerID CID, typename... ARGS>
-class TESSERA_API FillKey final : public FillKeyBase<CID> {
+class FillKey final : public FillKeyBase<CID> {
 public:
     explicit FillKey(ARGS... lists) : FillKeyBase<CID>(lists...) {}
 };
 
-extern template class Binary<FillKeyBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template const BinaryTable<1> Binary<FillKeyBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 extern template class FillKeyBase<CONTAINER_ARRAY>;
-extern template class FillKey<CONTAINER_ARRAY, std::vector<std::uint32_t>&, std::vector<std::uint32_t>&>;
 
 } // namespace MERVO::Tessera::Func

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "tessera/core/block_vector.h"
 #include "tessera/core/cursor_part.h"
 
 namespace MERVO::Tessera {
@@ -41,7 +42,7 @@ bool ReduceRuns(const Func::UnaryBase& functor, const Cursor& src, std::span<con
     if (!AreSmall(begins) || begins.back() != src->Length() || !HaveOneRowEach(dstBegins) || count != dst->Length()) {
         return false;
     }
-    std::vector<std::uint32_t> groupOfRow(begins.back());
+    BlockVector<std::uint32_t> groupOfRow(begins.back());
     for (std::uint32_t g = 0; g < count; ++g) {
         std::fill(groupOfRow.data() + begins[g], groupOfRow.data() + begins[g + 1], g);
     }

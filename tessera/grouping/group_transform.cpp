@@ -5,6 +5,7 @@
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
 #include "tessera/core/flat_call.h"
+#include "tessera/functors/array_form.h"
 #include "tessera/functors/element_walk.h"
 
 namespace MERVO::Tessera::Func {
@@ -33,26 +34,22 @@ template <typename T>
 ErrorCode GroupTransformBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
 {
     return Guarded("GroupTransform", [&]() -> ErrorCode {
-        auto begin = begins.begin();
+        const ArrayForm source(src);
+        const auto& values = CursorAs<CONTAINER_ARRAY, T>(source.Get());
         WithPlaces<T>(dst, [&](auto to, auto) {
-            ForEachElement<T>(src, [&](const auto& element) {
-                if (begins.end() - begin < 2) {
-                    return;
-                }
-                const T& value = element;
+            auto place = values.mHead;
+            for (auto begin = begins.begin(); begins.end() - begin > 1 && place != values.mTail; ++begin, ++place) {
+                const T& value = *place;
                 for (std::uint32_t count = begin[1] - begin[0]; count != 0; --count, ++to) {
                     *to = value;
                 }
-                ++begin;
-            });
+            }
         });
         return ERROR_NONE;
     });
 }
 
-template class Unary<GroupTransformBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template const UnaryTable<1> Unary<GroupTransformBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 template class GroupTransformBase<CONTAINER_ARRAY>;
-template class GroupTransform<CONTAINER_ARRAY, std::vector<std::uint32_t>&>;
-template class GroupTransform<CONTAINER_ARRAY, const std::vector<std::uint32_t>&>;
 
 } // namespace MERVO::Tessera::Func

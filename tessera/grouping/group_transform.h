@@ -35,16 +35,15 @@ private:
  *         which groups begin, in ascending order, and the number of rows behind them.
  */
 template <ContainerID CID, typename BEGINS>
-class TESSERA_API GroupTransform final : public GroupTransformBase<CID> {
+class GroupTransform final : public GroupTransformBase<CID> {
     static_assert(std::is_reference_v<BEGINS>);
 
 public:
     explicit GroupTransform(BEGINS groupBegins) : GroupTransformBase<CID>(groupBegins) {}
 };
 
-extern template class Unary<GroupTransformBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template const UnaryTable<1>
+    Unary<GroupTransformBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 extern template class GroupTransformBase<CONTAINER_ARRAY>;
-extern template class GroupTransform<CONTAINER_ARRAY, std::vector<std::uint32_t>&>;
-extern template class GroupTransform<CONTAINER_ARRAY, const std::vector<std::uint32_t>&>;
 
 } // namespace MERVO::Tessera::Func

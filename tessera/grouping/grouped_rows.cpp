@@ -15,6 +15,7 @@ namespace MERVO::Tessera {
 namespace {
 
 using Positions = std::vector<std::uint32_t>;
+using Numbers = BlockVector<std::uint32_t>;
 using Keys = std::span<const Cursor>;
 
 /// Runs a functor that fails for want of memory alone.
@@ -42,7 +43,7 @@ bool AreInOrder(Keys keys)
 }
 
 /// Numbers rows by their keys; returns how many numbers there are.
-std::uint32_t NumberRows(Keys keys, Positions& numbers)
+std::uint32_t NumberRows(Keys keys, Numbers& numbers)
 {
     RowNumbers rows(keys, RowNumbers::Nan::NONE_EQUAL);
     const auto end = static_cast<std::uint32_t>(numbers.size());
@@ -53,8 +54,7 @@ std::uint32_t NumberRows(Keys keys, Positions& numbers)
 }
 
 /// Puts the number of each pair of numbers in place of its first one; returns how many there are.
-std::uint32_t NumberPairs(
-    Positions& firsts, std::uint32_t firstCount, const Positions& seconds, std::uint32_t secondCount)
+std::uint32_t NumberPairs(Numbers& firsts, std::uint32_t firstCount, const Numbers& seconds, std::uint32_t secondCount)
 {
     const auto bits = static_cast<unsigned int>(std::bit_width(secondCount));
     const auto rowCount = static_cast<std::uint32_t>(firsts.size());
@@ -92,7 +92,7 @@ void GroupedRows::NumberByBits(Keys keys)
         keys.begin(), keys.end(), [](const Cursor& key) { return key->GetAttr().typeId == TESSERA_STRING; });
     const std::size_t atOnce = hasTexts ? 1 : keys.size(); // how wide a text's numbers are shows only at the end
     std::uint32_t count = NumberRows(keys.first(atOnce), groupOfRow);
-    Positions next(atOnce == keys.size() ? 0 : groupOfRow.size());
+    Numbers next(atOnce == keys.size() ? 0 : groupOfRow.size());
     for (std::size_t k = atOnce; k < keys.size(); ++k) {
         const std::uint32_t nextCount = NumberRows(keys.subspan(k, 1), next);
         count = NumberPairs(groupOfRow, count, next, nextCount);
@@ -111,8 +111,8 @@ void GroupedRows::NumberByBits(Keys keys)
 void GroupedRows::OrderGroups(Keys keys)
 {
     OrderByKeys(keys, firstRows);
-    Positions newNumbers(firstRows.size());
-    Positions sizes(begins.size());
+    Numbers newNumbers(firstRows.size());
+    Numbers sizes(begins.size());
     for (std::uint32_t g = 0; g < firstRows.size(); ++g) {
         const std::uint32_t number = groupOfRow[firstRows[g]];
         newNumbers[number] = g;
@@ -145,10 +145,10 @@ void GroupedRows::NumberInOrder(Keys keys)
     }
 }
 
-const Positions& GroupedRows::RowOrder()
+std::span<const std::uint32_t> GroupedRows::RowOrder()
 {
     if (rowOrder.empty()) {
-        Positions next = begins;
+        Numbers next = begins;
         Positions order(groupOfRow.size());
         for (std::uint32_t row = 0; row < order.size(); ++row) {
             order[next[groupOfRow[row]]++] = row;

@@ -4,6 +4,7 @@
 #include <span>
 #include <vector>
 
+#include "tessera/core/block_vector.h"
 #include "tessera/functors/functor_base.h"
 
 namespace MERVO::Tessera {
@@ -23,19 +24,19 @@ public:
 
     std::uint32_t Count() const { return static_cast<std::uint32_t>(firstRows.size()); }
     Func::RowGroups Groups() const { return {groupOfRow.data(), firstRows.data(), begins}; }
-    const std::vector<std::uint32_t>& GroupOfRow() const { return groupOfRow; }
+    std::span<const std::uint32_t> GroupOfRow() const { return groupOfRow; }
     const std::vector<std::uint32_t>& FirstRows() const { return firstRows; }
     /// The rows of the first group, in the order of the table, then those of the next one. Throws std::bad_alloc.
-    const std::vector<std::uint32_t>& RowOrder();
+    std::span<const std::uint32_t> RowOrder();
 
 private:
     void NumberByBits(std::span<const Cursor> keys);
     void OrderGroups(std::span<const Cursor> keys);
     void NumberInOrder(std::span<const Cursor> keys);
 
-    std::vector<std::uint32_t> groupOfRow;
+    BlockVector<std::uint32_t> groupOfRow;
     std::vector<std::uint32_t> firstRows;
-    std::vector<std::uint32_t> begins; ///< at first the sizes, from place 1 on
+    BlockVector<std::uint32_t> begins; ///< at first the sizes, from place 1 on
     std::vector<std::uint32_t> rowOrder;
 };
 

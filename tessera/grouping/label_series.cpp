@@ -9,8 +9,8 @@ namespace MERVO::Tessera {
 
 LabelSeries::LabelSeries(const TimeWindows& first, bool isLabelledByStart,
     const std::vector<std::uint32_t>& windowCounts, std::uint32_t length, std::string columnName)
-    : window(first), labelLeft(isLabelledByStart),
-      counts(windowCounts), attr{length, CONTAINER_ARRAY, TESSERA_DATETIME}, name(std::move(columnName))
+    : NamedSeries({length, CONTAINER_ARRAY, TESSERA_DATETIME}, std::move(columnName)), window(first),
+      labelLeft(isLabelledByStart), counts(windowCounts)
 {
 }
 

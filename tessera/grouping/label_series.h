@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tessera/core/series.h"
+#include "tessera/core/named_series.h"
 #include "tessera/grouping/time_windows.h"
 
 namespace MERVO::Tessera {
@@ -15,21 +15,16 @@ namespace MERVO::Tessera {
  *
  * Its cells are large, and windows are mostly evaluated without a look at them. Threads that only read may ask at once.
  */
-class LabelSeries final : public BaseSeries {
+class LabelSeries final : public NamedSeries {
 public:
     /// Cells for all counts, which are of adjacent windows.
     LabelSeries(const TimeWindows& first, bool isLabelledByStart, const std::vector<std::uint32_t>& windowCounts,
         std::uint32_t length, std::string columnName);
 
     std::uint32_t Size() const override { return attr.length; }
-    MERVO_TESSERA_TYPEID GetTypeId() const override { return attr.typeId; }
     void Print(unsigned int begin, unsigned int end) const override;
-    std::string GetName() const override { return name; }
-    void SetName(const std::string& newName) override { name = newName; }
-    void SetName(std::string&& newName) override { name = std::move(newName); }
-    Cursor GetIterator() override { return GetIterator(0, attr.length); }
+    using NamedSeries::GetIterator;
     Cursor GetIterator(unsigned int begin, unsigned int end) override;
-    SeriesAttr GetAttr() const override { return attr; }
 
     /// Whether the cells exist, so that they may have been changed since.
     bool IsWritten() const;
@@ -46,8 +41,6 @@ private:
     TimeWindows window;
     bool labelLeft;
     std::vector<std::uint32_t> counts;
-    SeriesAttr attr;
-    std::string name;
     mutable std::mutex mutex; ///< guards what is made when it is asked for
     mutable SeriesPtr cells;
     SeriesPtr firstRows;

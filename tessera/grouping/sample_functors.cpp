@@ -125,15 +125,11 @@ ErrorCode ApplyGroupTimeLabelBase<CID>::OnExecute(const Cursor& src, const Curso
     }
 }
 
-template class Nullary<NanRows<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template const NullaryTable<1> Nullary<NanRows<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 template class NanRows<CONTAINER_ARRAY>;
-template class Unary<ApplyGroupOtherColBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template const UnaryTable<1> Unary<ApplyGroupOtherColBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 template class ApplyGroupOtherColBase<CONTAINER_ARRAY>;
-template class ApplyGroupOtherCol<CONTAINER_ARRAY, std::vector<std::int32_t>&>;
-template class ApplyGroupOtherCol<CONTAINER_ARRAY, const std::vector<std::int32_t>&>;
-template class Unary<ApplyGroupTimeLabelBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template const UnaryTable<1> Unary<ApplyGroupTimeLabelBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 template class ApplyGroupTimeLabelBase<CONTAINER_ARRAY>;
-template class ApplyGroupTimeLabel<CONTAINER_ARRAY, std::vector<std::int32_t>&, std::vector<std::uint32_t>&, bool&,
-    bool&, DateTime&>;
 
 } // namespace MERVO::Tessera::Func

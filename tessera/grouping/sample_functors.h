@@ -22,6 +22,8 @@ public:
 template <ContainerID CID>
 class TESSERA_API ApplyGroupOtherColBase : public Unary<ApplyGroupOtherColBase<CID>, MutableArgs::DESTINATION> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     explicit ApplyGroupOtherColBase(const std::vector<std::int32_t>& rows) : sampleRows(rows) {}
 
     std::string GetName() const override;
@@ -43,7 +45,7 @@ private:
  * @tparam ARGS std::vector<std::int32_t>&, which outlives the functor.
  */
 template <ContainerID CID, typename... ARGS>
-class TESSERA_API ApplyGroupOtherCol final : public ApplyGroupOtherColBase<CID> {
+class ApplyGroupOtherCol final : public ApplyGroupOtherColBase<CID> {
 public:
     explicit ApplyGroupOtherCol(ARGS... arguments) : ApplyGroupOtherColBase<CID>(arguments...) {}
 };
@@ -85,20 +87,18 @@ private:
  *         the label is the start), bool& (true: windows include their start), DateTime& for the width.
  */
 template <ContainerID CID, typename... ARGS>
-class TESSERA_API ApplyGroupTimeLabel final : public ApplyGroupTimeLabelBase<CID> {
+class ApplyGroupTimeLabel final : public ApplyGroupTimeLabelBase<CID> {
 public:
     explicit ApplyGroupTimeLabel(ARGS... arguments) : ApplyGroupTimeLabelBase<CID>(arguments...) {}
 };
 
-extern template class Nullary<NanRows<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template const NullaryTable<1> Nullary<NanRows<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 extern template class NanRows<CONTAINER_ARRAY>;
-extern template class Unary<ApplyGroupOtherColBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template const UnaryTable<1>
+    Unary<ApplyGroupOtherColBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 extern template class ApplyGroupOtherColBase<CONTAINER_ARRAY>;
-extern template class ApplyGroupOtherCol<CONTAINER_ARRAY, std::vector<std::int32_t>&>;
-extern template class ApplyGroupOtherCol<CONTAINER_ARRAY, const std::vector<std::int32_t>&>;
-extern template class Unary<ApplyGroupTimeLabelBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template const UnaryTable<1>
+    Unary<ApplyGroupTimeLabelBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 extern template class ApplyGroupTimeLabelBase<CONTAINER_ARRAY>;
-extern template class ApplyGroupTimeLabel<CONTAINER_ARRAY, std::vector<std::int32_t>&, std::vector<std::uint32_t>&,
-    bool&, bool&, DateTime&>;
 
 } // namespace MERVO::Tessera::Func

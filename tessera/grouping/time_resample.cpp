@@ -48,9 +48,7 @@ ErrorCode TimeResampleBase<CID>::OnExecute(const Cursor& cursor) const
     }
 }
 
-template class Nullary<TimeResampleBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template const NullaryTable<1> Nullary<TimeResampleBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 template class TimeResampleBase<CONTAINER_ARRAY>;
-template class TimeResample<CONTAINER_ARRAY, std::vector<std::uint32_t>&, const DateTime&, bool&,
-    std::vector<std::int32_t>&, std::vector<std::uint32_t>&>;
 
 } // namespace MERVO::Tessera::Func

@@ -46,14 +46,13 @@ private:
  *         their start), std::vector<std::int32_t>& for the sample rows, std::vector<std::uint32_t>& for the counts.
  */
 template <ContainerID CID, typename... ARGS>
-class TESSERA_API TimeResample final : public TimeResampleBase<CID> {
+class TimeResample final : public TimeResampleBase<CID> {
 public:
     explicit TimeResample(ARGS... arguments) : TimeResampleBase<CID>(arguments...) {}
 };
 
-extern template class Nullary<TimeResampleBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template const NullaryTable<1>
+    Nullary<TimeResampleBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 extern template class TimeResampleBase<CONTAINER_ARRAY>;
-extern template class TimeResample<CONTAINER_ARRAY, std::vector<std::uint32_t>&, const DateTime&, bool&,
-    std::vector<std::int32_t>&, std::vector<std::uint32_t>&>;
 
 } // namespace MERVO::Tessera::Func

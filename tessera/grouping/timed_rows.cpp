@@ -18,8 +18,7 @@ std::uint64_t PairOf(const DateTime& time, std::size_t row)
 
 } // namespace
 
-TimedRows::TimedRows(const Cursor& column)
-    : pairs(std::make_unique_for_overwrite<std::uint64_t[]>(column->Length())), count(column->Length())
+TimedRows::TimedRows(const Cursor& column) : pairs(NeedBlock<std::uint64_t>(column->Length())), count(column->Length())
 {
     const DateTime* const times = CursorAs<CONTAINER_ARRAY, DateTime>(column).mHead;
     bool isSorted = true;
@@ -38,7 +37,7 @@ TimedRows::TimedRows(const Cursor& column)
 }
 
 TimedRows::TimedRows(const Cursor& column, std::span<const std::uint32_t> index)
-    : pairs(std::make_unique_for_overwrite<std::uint64_t[]>(index.size())), count(index.size())
+    : pairs(NeedBlock<std::uint64_t>(index.size())), count(index.size())
 {
     const DateTime* const times = CursorAs<CONTAINER_ARRAY, DateTime>(column).mHead;
     std::transform(
@@ -51,7 +50,7 @@ void TimedRows::Sort(std::uint64_t lowest, std::uint64_t highest)
     const auto timeBits = static_cast<unsigned int>(std::bit_width((highest - offset) >> ROW_BITS));
     std::for_each(pairs.get(), pairs.get() + count, [offset](std::uint64_t& pair) { pair -= offset; });
     earliest += static_cast<std::int64_t>(offset >> ROW_BITS);
-    auto spare = std::make_unique_for_overwrite<std::uint64_t[]>(count);
+    Block<std::uint64_t> spare = NeedBlock<std::uint64_t>(count);
     const auto rowCount = static_cast<std::uint32_t>(count);
     if (SortPairs(pairs.get(), spare.get(), rowCount, ROW_BITS, timeBits) == spare.get()) {
         pairs.swap(spare);

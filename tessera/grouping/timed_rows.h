@@ -2,9 +2,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <span>
 
+#include "tessera/core/block.h"
 #include "tessera/core/cursor.h"
 
 namespace MERVO::Tessera {
@@ -26,7 +26,7 @@ private:
     /// Takes the earliest time from all others first, for the fewer digits there are to sort by.
     void Sort(std::uint64_t lowest, std::uint64_t highest);
 
-    std::unique_ptr<std::uint64_t[]> pairs; ///< the time from the earliest one on above, the row below
+    Block<std::uint64_t> pairs; ///< the time from the earliest one on above, the row below
     std::size_t count;
     std::int64_t earliest = INT32_MIN;
 };

@@ -81,6 +81,6 @@ ErrorCode DiffBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
 }
 
 template class DiffBase<CONTAINER_ARRAY>;
-template class Unary<DiffBase<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+template const UnaryTable<1> Unary<DiffBase<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 
 } // namespace MERVO::Tessera::Func

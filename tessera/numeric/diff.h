@@ -30,12 +30,12 @@ private:
  * @tparam PERIODS how the lag is handed in: int32 by value, reference or const reference.
  */
 template <ContainerID CID, typename PERIODS>
-class TESSERA_API Diff final : public DiffBase<CID> {
+class Diff final : public DiffBase<CID> {
 public:
     explicit Diff(PERIODS lag) : DiffBase<CID>(lag) {}
 };
 
-extern template class Unary<DiffBase<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template const UnaryTable<1> Unary<DiffBase<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 extern template class DiffBase<CONTAINER_ARRAY>;
 
 } // namespace MERVO::Tessera::Func

@@ -82,19 +82,20 @@ struct MeasureSpread {
     SpreadFrom<double> spreadFrom;
     std::uint32_t lostDegrees;
 
-    [[gnu::always_inline]] void operator()(const ColumnsAbreast& columns, Abreast& spreads) const
+    template <typename Adder>
+    [[gnu::always_inline]] Abreast Reduce(const ColumnsAbreast& columns) const
     {
         const auto length = static_cast<double>(columns.length);
-        Abreast means{};
-        AddTermsAbreast(means, columns, [length](std::size_t, double value) { return value / length; });
-        Abreast squares{};
-        AddTermsAbreast(squares, columns, [&means](std::size_t k, double value) {
+        const Abreast means =
+            SumsOfTermsAbreast<Adder>(columns, [length](std::size_t, double value) { return value / length; });
+        Abreast spreads = SumsOfTermsAbreast<Adder>(columns, [&means](std::size_t k, double value) {
             const double deviation = value - means[k];
             return deviation * deviation;
         });
-        for (std::size_t k = 0; k < COLUMNS_ABREAST; ++k) {
-            spreads[k] = spreadFrom(squares[k], means[k], columns.length, lostDegrees);
+        for (std::size_t k = 0; k < columns.count; ++k) {
+            spreads[k] = spreadFrom(spreads[k], means[k], columns.length, lostDegrees);
         }
+        return spreads;
     }
 };
 

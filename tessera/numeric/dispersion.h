@@ -30,7 +30,7 @@ private:
  * @tparam DDOF how the lost degrees of freedom are handed in: uint32 by value, reference or const reference.
  */
 template <ContainerID CID, typename DDOF>
-class TESSERA_API Var final : public VarBase<CID> {
+class Var final : public VarBase<CID> {
 public:
     explicit Var(DDOF ddof) : VarBase<CID>(ddof) {}
 };
@@ -60,23 +60,16 @@ private:
  * @tparam DDOF nothing for ddof 1, or as in Var.
  */
 template <ContainerID CID, typename... DDOF>
-class TESSERA_API Std final : public StdBase<CID> {
+class Std final : public StdBase<CID> {
 public:
     explicit Std(DDOF... ddof) : StdBase<CID>(ddof...) {}
 };
 
-extern template class Unary<VarBase<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
-extern template class RealStatistic<VarBase<CONTAINER_ARRAY>>;
+extern template const UnaryTable<2>
+    Unary<VarBase<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 extern template class VarBase<CONTAINER_ARRAY>;
-extern template class Var<CONTAINER_ARRAY, std::uint32_t>;
-extern template class Var<CONTAINER_ARRAY, std::uint32_t&>;
-extern template class Var<CONTAINER_ARRAY, const std::uint32_t&>;
-extern template class Unary<StdBase<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
-extern template class RealStatistic<StdBase<CONTAINER_ARRAY>>;
+extern template const UnaryTable<2>
+    Unary<StdBase<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 extern template class StdBase<CONTAINER_ARRAY>;
-extern template class Std<CONTAINER_ARRAY>;
-extern template class Std<CONTAINER_ARRAY, std::uint32_t>;
-extern template class Std<CONTAINER_ARRAY, std::uint32_t&>;
-extern template class Std<CONTAINER_ARRAY, const std::uint32_t&>;
 
 } // namespace MERVO::Tessera::Func

@@ -228,12 +228,12 @@ ErrorCode IdxMax<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
 }
 
 template class Max<CONTAINER_ARRAY>;
-template class Unary<Max<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
+template const UnaryTable<2> Unary<Max<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 template class Min<CONTAINER_ARRAY>;
-template class Unary<Min<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
+template const UnaryTable<2> Unary<Min<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 template class Ptp<CONTAINER_ARRAY>;
-template class Unary<Ptp<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
+template const UnaryTable<2> Unary<Ptp<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 template class IdxMax<CONTAINER_ARRAY>;
-template class Unary<IdxMax<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+template const UnaryTable<1> Unary<IdxMax<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 
 } // namespace MERVO::Tessera::Func

@@ -62,13 +62,16 @@ public:
     ErrorCode OnExecute(const Cursor& src, const Cursor& dst) const;
 };
 
-extern template class Unary<Max<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
+extern template const UnaryTable<2>
+    Unary<Max<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 extern template class Max<CONTAINER_ARRAY>;
-extern template class Unary<Min<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
+extern template const UnaryTable<2>
+    Unary<Min<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 extern template class Min<CONTAINER_ARRAY>;
-extern template class Unary<Ptp<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
+extern template const UnaryTable<2>
+    Unary<Ptp<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 extern template class Ptp<CONTAINER_ARRAY>;
-extern template class Unary<IdxMax<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template const UnaryTable<1> Unary<IdxMax<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 extern template class IdxMax<CONTAINER_ARRAY>;
 
 } // namespace MERVO::Tessera::Func

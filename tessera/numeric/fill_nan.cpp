@@ -88,8 +88,6 @@ ErrorCode FillNanBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) cons
 }
 
 template class FillNanBase<CONTAINER_ARRAY>;
-template class Unary<FillNanBase<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
-template class FillNan<CONTAINER_ARRAY, std::string&>;
-template class FillNan<CONTAINER_ARRAY, std::string_view>;
+template const UnaryTable<1> Unary<FillNanBase<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 
 } // namespace MERVO::Tessera::Func

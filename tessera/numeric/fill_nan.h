@@ -38,14 +38,12 @@ private:
  *         is read when the functor is made.
  */
 template <ContainerID CID, typename TEXT>
-class TESSERA_API FillNan final : public FillNanBase<CID> {
+class FillNan final : public FillNanBase<CID> {
 public:
     explicit FillNan(TEXT fillType) : FillNanBase<CID>(fillType) {}
 };
 
-extern template class Unary<FillNanBase<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template const UnaryTable<1> Unary<FillNanBase<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 extern template class FillNanBase<CONTAINER_ARRAY>;
-extern template class FillNan<CONTAINER_ARRAY, std::string&>;
-extern template class FillNan<CONTAINER_ARRAY, std::string_view>;
 
 } // namespace MERVO::Tessera::Func

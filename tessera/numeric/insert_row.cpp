@@ -115,6 +115,6 @@ ErrorCode InsertRowBase<CID>::OnExecute(const Cursor& lhs, const Cursor& rhs, co
 }
 
 template class InsertRowBase<CONTAINER_ARRAY>;
-template class Binary<InsertRowBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template const BinaryTable<1> Binary<InsertRowBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 
 } // namespace MERVO::Tessera::Func

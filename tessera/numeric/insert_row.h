@@ -31,12 +31,12 @@ private:
  * @tparam INDEX how the index is handed in: uint32 by value, reference or const reference.
  */
 template <ContainerID CID, typename INDEX>
-class TESSERA_API InsertRow final : public InsertRowBase<CID> {
+class InsertRow final : public InsertRowBase<CID> {
 public:
     explicit InsertRow(INDEX row) : InsertRowBase<CID>(row) {}
 };
 
-extern template class Binary<InsertRowBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template const BinaryTable<1> Binary<InsertRowBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 extern template class InsertRowBase<CONTAINER_ARRAY>;
 
 } // namespace MERVO::Tessera::Func

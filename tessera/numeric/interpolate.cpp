@@ -143,6 +143,6 @@ ErrorCode Interpolate<CID>::OnExecute(const Cursor& src, const Cursor& dst) cons
 }
 
 template class Interpolate<CONTAINER_ARRAY>;
-template class Unary<Interpolate<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+template const UnaryTable<1> Unary<Interpolate<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 
 } // namespace MERVO::Tessera::Func

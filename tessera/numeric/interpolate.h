@@ -27,7 +27,7 @@ public:
     ErrorCode OnExecute(const Cursor& src, const Cursor& dst) const;
 };
 
-extern template class Unary<Interpolate<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template const UnaryTable<1> Unary<Interpolate<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 extern template class Interpolate<CONTAINER_ARRAY>;
 
 } // namespace MERVO::Tessera::Func

@@ -215,6 +215,6 @@ ErrorCode IsIn<CID>::OnExecute(const Cursor& lhs, const Cursor& rhs, const Curso
 }
 
 template class IsIn<CONTAINER_ARRAY>;
-template class Binary<IsIn<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+template const BinaryTable<1> Binary<IsIn<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 
 } // namespace MERVO::Tessera::Func

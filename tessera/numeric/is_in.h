@@ -18,6 +18,8 @@ namespace MERVO::Tessera::Func {
 template <ContainerID CID>
 class TESSERA_API IsIn final : public Binary<IsIn<CID>, MutableArgs::SOURCE> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& lhs, const Cursor& rhs) const override;
     bool CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const override;
@@ -25,7 +27,7 @@ public:
     ErrorCode OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const;
 };
 
-extern template class Binary<IsIn<CONTAINER_ARRAY>, MutableArgs::SOURCE>;
+extern template const BinaryTable<1> Binary<IsIn<CONTAINER_ARRAY>, MutableArgs::SOURCE>::transformTable;
 extern template class IsIn<CONTAINER_ARRAY>;
 
 } // namespace MERVO::Tessera::Func

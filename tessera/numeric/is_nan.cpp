@@ -35,10 +35,8 @@ ErrorCode NanMarker<CID, MARK>::OnExecute(const Cursor& src, const Cursor& dst) 
 }
 
 template class NanMarker<CONTAINER_ARRAY, bool>;
-template class Unary<NanMarker<CONTAINER_ARRAY, bool>, MutableArgs::SOURCE>;
-template class IsNan<CONTAINER_ARRAY>;
+template const UnaryTable<1> Unary<NanMarker<CONTAINER_ARRAY, bool>, MutableArgs::SOURCE>::transformTable;
 template class NanMarker<CONTAINER_ARRAY, std::int32_t>;
-template class Unary<NanMarker<CONTAINER_ARRAY, std::int32_t>, MutableArgs::SOURCE>;
-template class IsNanInt<CONTAINER_ARRAY>;
+template const UnaryTable<1> Unary<NanMarker<CONTAINER_ARRAY, std::int32_t>, MutableArgs::SOURCE>::transformTable;
 
 } // namespace MERVO::Tessera::Func

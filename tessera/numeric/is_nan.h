@@ -23,20 +23,19 @@ public:
  * the log: nested tables.
  */
 template <ContainerID CID>
-class TESSERA_API IsNan final : public NanMarker<CID, bool> {
+class IsNan final : public NanMarker<CID, bool> {
 };
 
 /// The same with int32 marks, 1 for missing and 0 for present, which can be added. Code 21: the destination is not
 /// of int32.
 template <ContainerID CID>
-class TESSERA_API IsNanInt final : public NanMarker<CID, std::int32_t> {
+class IsNanInt final : public NanMarker<CID, std::int32_t> {
 };
 
-extern template class Unary<NanMarker<CONTAINER_ARRAY, bool>, MutableArgs::SOURCE>;
+extern template const UnaryTable<1> Unary<NanMarker<CONTAINER_ARRAY, bool>, MutableArgs::SOURCE>::transformTable;
 extern template class NanMarker<CONTAINER_ARRAY, bool>;
-extern template class IsNan<CONTAINER_ARRAY>;
-extern template class Unary<NanMarker<CONTAINER_ARRAY, std::int32_t>, MutableArgs::SOURCE>;
+extern template const UnaryTable<1>
+    Unary<NanMarker<CONTAINER_ARRAY, std::int32_t>, MutableArgs::SOURCE>::transformTable;
 extern template class NanMarker<CONTAINER_ARRAY, std::int32_t>;
-extern template class IsNanInt<CONTAINER_ARRAY>;
 
 } // namespace MERVO::Tessera::Func

@@ -65,15 +65,15 @@ bool StoreMeansOfGroups(const Cursor& src, const RowGroups& groups, const Cursor
 struct Average {
     bool skipNan;
 
-    [[gnu::always_inline]] void operator()(const ColumnsAbreast& columns, Abreast& means) const
+    template <typename Adder>
+    [[gnu::always_inline]] Abreast Reduce(const ColumnsAbreast& columns) const
     {
-        means = {};
-        std::array<std::uint32_t, COLUMNS_ABREAST> missing{};
-        AddPresentAbreast(means, missing, columns);
-        for (std::size_t k = 0; k < COLUMNS_ABREAST; ++k) {
+        auto [means, missing] = SumsOfPresentAbreast<Adder>(columns);
+        for (std::size_t k = 0; k < columns.count; ++k) {
             means[k] = missing[k] != 0 && !skipNan ? std::numeric_limits<double>::quiet_NaN()
                                                    : MeanFrom(means[k], columns.length - missing[k]);
         }
+        return means;
     }
 };
 
@@ -126,6 +126,7 @@ ErrorCode Mean<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
 }
 
 template class Mean<CONTAINER_ARRAY>;
-template class Unary<Mean<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
+template const UnaryTable<2>
+    Unary<Mean<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 
 } // namespace MERVO::Tessera::Func

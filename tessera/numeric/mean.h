@@ -30,7 +30,8 @@ private:
     bool skipNan = true;
 };
 
-extern template class Unary<Mean<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
+extern template const UnaryTable<2>
+    Unary<Mean<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 extern template class Mean<CONTAINER_ARRAY>;
 
 } // namespace MERVO::Tessera::Func

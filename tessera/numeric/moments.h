@@ -26,7 +26,7 @@ private:
  * @tparam DEGREE how the degree is handed in: uint32 by value, reference or const reference.
  */
 template <ContainerID CID, typename DEGREE>
-class TESSERA_API Moment final : public MomentBase<CID> {
+class Moment final : public MomentBase<CID> {
 public:
     explicit Moment(DEGREE degree) : MomentBase<CID>(degree) {}
 };
@@ -57,22 +57,16 @@ private:
  * @tparam DEGREE as in Moment.
  */
 template <ContainerID CID, typename DEGREE>
-class TESSERA_API Kstat final : public KstatBase<CID> {
+class Kstat final : public KstatBase<CID> {
 public:
     explicit Kstat(DEGREE degree) : KstatBase<CID>(degree) {}
 };
 
-extern template class Unary<MomentBase<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
-extern template class RealStatistic<MomentBase<CONTAINER_ARRAY>>;
+extern template const UnaryTable<2>
+    Unary<MomentBase<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 extern template class MomentBase<CONTAINER_ARRAY>;
-extern template class Moment<CONTAINER_ARRAY, std::uint32_t>;
-extern template class Moment<CONTAINER_ARRAY, std::uint32_t&>;
-extern template class Moment<CONTAINER_ARRAY, const std::uint32_t&>;
-extern template class Unary<KstatBase<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
-extern template class RealStatistic<KstatBase<CONTAINER_ARRAY>>;
+extern template const UnaryTable<2>
+    Unary<KstatBase<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 extern template class KstatBase<CONTAINER_ARRAY>;
-extern template class Kstat<CONTAINER_ARRAY, std::uint32_t>;
-extern template class Kstat<CONTAINER_ARRAY, std::uint32_t&>;
-extern template class Kstat<CONTAINER_ARRAY, const std::uint32_t&>;
 
 } // namespace MERVO::Tessera::Func

@@ -21,6 +21,9 @@ class RealRuns {
 public:
     explicit RealRuns(const Cursor& column);
 
+    /// Whether the elements are read where they lie, one run after the other.
+    bool IsInPlace() const { return isArrayOfReal; }
+
     /// The next elements, `most` at most; none at the end. They stay until the next call.
     std::span<const Real> Next(std::uint32_t most = std::numeric_limits<std::uint32_t>::max());
 

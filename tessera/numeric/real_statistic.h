@@ -17,7 +17,7 @@ TESSERA_API bool IsRealResultAttr(const Cursor& src, const Cursor& dst);
 
 /// The frame of the statistics whose one cell is a RealOf their column. Columns may be empty.
 template <typename F>
-class TESSERA_API RealStatistic : public Unary<F, MutableArgs::SOURCE, MutableArgs::DESTINATION> {
+class RealStatistic : public Unary<F, MutableArgs::SOURCE, MutableArgs::DESTINATION> {
 public:
     static constexpr bool kDestinationAltersKernel = false;
 

@@ -199,6 +199,6 @@ ErrorCode ReplaceBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) cons
 }
 
 template class ReplaceBase<CONTAINER_ARRAY>;
-template class Unary<ReplaceBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template const UnaryTable<1> Unary<ReplaceBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 
 } // namespace MERVO::Tessera::Func

@@ -16,6 +16,8 @@ struct ReplaceArgument {
 template <ContainerID CID>
 class TESSERA_API ReplaceBase : public Unary<ReplaceBase<CID>, MutableArgs::DESTINATION> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     ReplaceBase() = default;
     ReplaceBase(const ReplaceBase&) = delete; // the arguments may lie within the object
     ReplaceBase& operator=(const ReplaceBase&) = delete;
@@ -52,7 +54,7 @@ private:
  *         reference is read when the functor runs.
  */
 template <ContainerID CID, typename OLD, typename NEW>
-class TESSERA_API Replace final : public ReplaceBase<CID> {
+class Replace final : public ReplaceBase<CID> {
 public:
     Replace(OLD sought, NEW substitute) : oldValue(static_cast<OLD&&>(sought)), newValue(static_cast<NEW&&>(substitute))
     {
@@ -72,7 +74,7 @@ private:
     NEW newValue;
 };
 
-extern template class Unary<ReplaceBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template const UnaryTable<1> Unary<ReplaceBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 extern template class ReplaceBase<CONTAINER_ARRAY>;
 
 } // namespace MERVO::Tessera::Func

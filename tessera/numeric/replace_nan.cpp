@@ -109,8 +109,6 @@ ErrorCode ReplaceNanBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) c
 }
 
 template class ReplaceNanBase<CONTAINER_ARRAY>;
-template class Unary<ReplaceNanBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
-template class ReplaceNan<CONTAINER_ARRAY, std::string&>;
-template class ReplaceNan<CONTAINER_ARRAY, std::string_view>;
+template const UnaryTable<1> Unary<ReplaceNanBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 
 } // namespace MERVO::Tessera::Func

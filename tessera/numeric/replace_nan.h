@@ -40,14 +40,12 @@ private:
  *         functor keeps a copy.
  */
 template <ContainerID CID, typename TEXT>
-class TESSERA_API ReplaceNan final : public ReplaceNanBase<CID> {
+class ReplaceNan final : public ReplaceNanBase<CID> {
 public:
     explicit ReplaceNan(TEXT replaceNum) : ReplaceNanBase<CID>(replaceNum) {}
 };
 
-extern template class Unary<ReplaceNanBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template const UnaryTable<1> Unary<ReplaceNanBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 extern template class ReplaceNanBase<CONTAINER_ARRAY>;
-extern template class ReplaceNan<CONTAINER_ARRAY, std::string&>;
-extern template class ReplaceNan<CONTAINER_ARRAY, std::string_view>;
 
 } // namespace MERVO::Tessera::Func

@@ -58,12 +58,10 @@ ErrorCode RollingBase<CID, IS_MEAN>::OnExecute(const Cursor& src, const Cursor& 
 }
 
 template class RollingBase<CONTAINER_ARRAY, false>;
-template class Unary<RollingBase<CONTAINER_ARRAY, false>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
-template class RollingSum<CONTAINER_ARRAY, std::uint32_t, bool, std::uint32_t>;
-template class RollingSum<CONTAINER_ARRAY, const std::uint32_t&, const bool&, const std::uint32_t&>;
+template const UnaryTable<2>
+    Unary<RollingBase<CONTAINER_ARRAY, false>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 template class RollingBase<CONTAINER_ARRAY, true>;
-template class Unary<RollingBase<CONTAINER_ARRAY, true>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
-template class RollingMean<CONTAINER_ARRAY, std::uint32_t, bool, std::uint32_t>;
-template class RollingMean<CONTAINER_ARRAY, const std::uint32_t&, const bool&, const std::uint32_t&>;
+template const UnaryTable<2>
+    Unary<RollingBase<CONTAINER_ARRAY, true>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 
 } // namespace MERVO::Tessera::Func

@@ -52,7 +52,7 @@ private:
  *         RollingParam.
  */
 template <ContainerID CID, typename... ARGS>
-class TESSERA_API RollingSum final : public RollingBase<CID, false> {
+class RollingSum final : public RollingBase<CID, false> {
 public:
     explicit RollingSum(ARGS... arguments) : RollingBase<CID, false>(RollingParam{arguments...}) {}
 };
@@ -63,18 +63,16 @@ public:
  * Where that number is 0 and minPeriods allows it, the mean is NaN.
  */
 template <ContainerID CID, typename... ARGS>
-class TESSERA_API RollingMean final : public RollingBase<CID, true> {
+class RollingMean final : public RollingBase<CID, true> {
 public:
     explicit RollingMean(ARGS... arguments) : RollingBase<CID, true>(RollingParam{arguments...}) {}
 };
 
-extern template class Unary<RollingBase<CONTAINER_ARRAY, false>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
+extern template const UnaryTable<2>
+    Unary<RollingBase<CONTAINER_ARRAY, false>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 extern template class RollingBase<CONTAINER_ARRAY, false>;
-extern template class RollingSum<CONTAINER_ARRAY, std::uint32_t, bool, std::uint32_t>;
-extern template class RollingSum<CONTAINER_ARRAY, const std::uint32_t&, const bool&, const std::uint32_t&>;
-extern template class Unary<RollingBase<CONTAINER_ARRAY, true>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
+extern template const UnaryTable<2>
+    Unary<RollingBase<CONTAINER_ARRAY, true>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 extern template class RollingBase<CONTAINER_ARRAY, true>;
-extern template class RollingMean<CONTAINER_ARRAY, std::uint32_t, bool, std::uint32_t>;
-extern template class RollingMean<CONTAINER_ARRAY, const std::uint32_t&, const bool&, const std::uint32_t&>;
 
 } // namespace MERVO::Tessera::Func

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <limits>
 #include <memory>
 
@@ -13,22 +14,15 @@
 namespace MERVO::Tessera::Func {
 namespace {
 
-struct Release {
-    void operator()(void* block) const { FreeBlock(block); }
-};
-template <typename T>
-using Room = std::unique_ptr<T[], Release>;
-
 /// Zeros, or null without memory.
 template <typename T>
-Room<T> MakeRoom(std::uint64_t count)
+Block<T> MakeZeros(std::uint64_t count)
 {
-    void* const block = count > SIZE_MAX ? nullptr : AllocateBlock(static_cast<std::size_t>(count), sizeof(T));
-    T* const first = static_cast<T*>(block);
-    if (first != nullptr) {
-        std::uninitialized_value_construct_n(first, static_cast<std::size_t>(count));
+    Block<T> block = count > SIZE_MAX ? nullptr : MakeBlock<T>(static_cast<std::size_t>(count));
+    if (block != nullptr) {
+        std::uninitialized_value_construct_n(block.get(), static_cast<std::size_t>(count));
     }
-    return Room<T>(first);
+    return block;
 }
 
 /// Writes results to a column, in order, as far as it reaches.
@@ -47,6 +41,16 @@ public:
             rest -= count;
             left -= count;
         }
+    }
+    /// The next `length` cells where they are adjacent and there, for results that are made in place; null elsewhere.
+    Real* Adjacent(std::uint32_t length)
+    {
+        return length <= left && cells.Longest() >= length ? static_cast<Real*>(cells.Room()) : nullptr;
+    }
+    void Skip(std::uint32_t length)
+    {
+        cells.Skip(length);
+        left -= length;
     }
     void Fill(Real value)
     {
@@ -67,19 +71,23 @@ private:
  * The column passes through a buffer, block by block. In front of the block stand the last window - 1 elements of those
  * before it, so that every window lies in the buffer whole. What is missing is zero there: that alters no bit of a sum
  * that starts at +0.0.
+ *
+ * Where a block's windows lie in the column itself, with nothing missing, they are added up there.
  */
 template <typename Real>
 class Roller {
 public:
-    Roller(const Cursor& column, const RollingRun& wanted)
-        : source(column), run(wanted), before(wanted.param.window - 1), left(column->Length())
+    /// @param mayLookBack whether the column's elements stay as they are while results are written
+    Roller(const Cursor& column, const RollingRun& wanted, bool mayLookBack)
+        : source(column), run(wanted), isInPlace(mayLookBack && source.IsInPlace()), before(wanted.param.window - 1),
+          length(column->Length()), left(length)
     {
         const std::uint32_t least = std::max(run.blockRows, run.param.window);
         blockRows = std::min(least, left);
-        const std::uint64_t length = std::uint64_t{before} + blockRows;
-        values = MakeRoom<Real>(length + WINDOW_SLACK);
-        isMissing = MakeRoom<bool>(length);
-        sums = MakeRoom<Real>(std::uint64_t{blockRows} + WINDOW_SLACK);
+        const std::uint64_t buffered = std::uint64_t{before} + blockRows;
+        values = MakeZeros<Real>(buffered + WINDOW_SLACK);
+        isMissing = MakeZeros<bool>(buffered);
+        sums = MakeZeros<Real>(std::uint64_t{blockRows} + WINDOW_SLACK);
     }
     bool HasRoom() const { return values != nullptr && isMissing != nullptr && sums != nullptr; }
 
@@ -91,17 +99,39 @@ public:
         Read(before - ahead, ahead);
         while (left != 0) {
             const std::uint32_t count = std::min(left, blockRows);
-            Read(before, count);
-            AddUp(count);
-            Finish(count);
-            results.Write(sums.get(), count);
-            std::copy_n(values.get() + count, before, values.get());
-            std::copy_n(isMissing.get() + count, before, isMissing.get());
+            const std::span<const Real> block = NextInPlace(count);
+            if (!block.empty() && CountNan(block) == 0) {
+                AddUp(block.data() - before, count);
+                Deliver(results, count, false);
+                KeepTail(block);
+            } else {
+                if (block.empty()) {
+                    Read(before, count);
+                } else {
+                    TakeElements(before, block);
+                }
+                AddUp(values.get(), count);
+                Deliver(results, count, std::memchr(isMissing.get(), true, std::size_t{before} + count) != nullptr);
+                std::copy_n(values.get() + count, before, values.get());
+                std::copy_n(isMissing.get() + count, before, isMissing.get());
+            }
             left -= count;
         }
     }
 
 private:
+    /// The next elements where they lie, if the windows that end at them lie there, too, with nothing missing before
+    /// these elements, and with the slack that adding up wants; none elsewhere.
+    std::span<const Real> NextInPlace(std::uint32_t count)
+    {
+        const std::uint64_t end = std::uint64_t{taken} + count + WINDOW_SLACK;
+        if (!isInPlace || taken < before || end > length || std::memchr(isMissing.get(), true, before) != nullptr) {
+            return {};
+        }
+        taken += count;
+        return source.Next(count);
+    }
+
     /// Takes elements of the source to a place in the buffer. Those beyond its end are missing.
     void Read(std::uint32_t place, std::uint32_t count)
     {
@@ -115,6 +145,7 @@ private:
             TakeElements(place, elements);
             place += static_cast<std::uint32_t>(elements.size());
             count -= static_cast<std::uint32_t>(elements.size());
+            taken += static_cast<std::uint32_t>(elements.size());
         }
     }
 
@@ -131,27 +162,39 @@ private:
         }
     }
 
-    void AddUp(std::uint32_t count)
+    /// Puts the last elements of a block that was added up in place, with nothing missing, before the next one.
+    void KeepTail(std::span<const Real> block)
+    {
+        std::copy_n(block.data() + block.size() - before, before, values.get());
+    }
+
+    void AddUp(const Real* elements, std::uint32_t count)
     {
         const std::uint32_t window = run.param.window;
-        if (window >= run.slideFrom && HaveExactSums(values.get(), std::size_t{before} + count, window)) {
-            SlideWindows(values.get(), count, window, sums.get());
+        if (window >= run.slideFrom && HaveExactSums(elements, std::size_t{before} + count, window)) {
+            SlideWindows(elements, count, window, sums.get());
         } else {
-            AddWindows(values.get(), count, window, sums.get());
+            AddWindows(elements, count, window, sums.get());
         }
     }
 
-    void Finish(std::uint32_t count)
+    void Deliver(ResultWriter<Real>& results, std::uint32_t count, bool hasGaps)
     {
-        const std::uint32_t window = run.param.window;
-        if (std::memchr(isMissing.get(), true, std::size_t{before} + count) != nullptr) {
-            FinishWithGaps(count);
-            return;
+        Real* const cells = results.Adjacent(count);
+        Real* const made = cells != nullptr ? cells : sums.get();
+        if (hasGaps) {
+            FinishWithGaps(count, made);
+        } else {
+            FinishSums(sums.get(), count, run.isMean ? static_cast<Real>(run.param.window) : Real{1}, made);
         }
-        FinishSums(sums.get(), count, run.isMean ? static_cast<Real>(window) : Real{1});
+        if (cells != nullptr) {
+            results.Skip(count);
+        } else {
+            results.Write(made, count);
+        }
     }
 
-    void FinishWithGaps(std::uint32_t count)
+    void FinishWithGaps(std::uint32_t count, Real* made)
     {
         const auto [window, center, minPeriods] = run.param;
         const std::uint32_t limit = minPeriods == RollingParam::NO_GAPS ? 0 : window - minPeriods;
@@ -162,20 +205,38 @@ private:
         for (std::uint32_t i = 0; i < count; ++i) {
             invalid += isMissing[before + i] ? 1U : 0U;
             const Real result = run.isMean ? sums[i] / static_cast<Real>(window - invalid) : sums[i];
-            sums[i] = invalid > limit ? std::numeric_limits<Real>::quiet_NaN() : WithPlainNan(result);
+            made[i] = invalid > limit ? std::numeric_limits<Real>::quiet_NaN() : WithPlainNan(result);
             invalid -= isMissing[i] ? 1U : 0U;
         }
     }
 
     RealRuns<Real> source;
     RollingRun run;
+    bool isInPlace;
     std::uint32_t before; ///< elements in front of a block
-    std::uint32_t left;   ///< results still to come
+    std::uint32_t length;
+    std::uint32_t taken = 0; ///< elements read
+    std::uint32_t left;      ///< results still to come
     std::uint32_t blockRows;
-    Room<Real> values;
-    Room<bool> isMissing;
-    Room<Real> sums;
+    Block<Real> values;
+    Block<bool> isMissing;
+    Block<Real> sums;
 };
+
+/// Whether two columns share no cell of an array of Reals.
+template <typename Real>
+bool AreApart(const Cursor& first, const Cursor& second)
+{
+    const auto isArray = [](const Cursor& column) {
+        return column->IsMemoryContiguous() && column->GetAttr().typeId == TYPE_ID_OF<Real>;
+    };
+    if (!isArray(first) || !isArray(second)) {
+        return true;
+    }
+    const auto one = CursorAs<CONTAINER_ARRAY, Real>(first);
+    const auto other = CursorAs<CONTAINER_ARRAY, Real>(second);
+    return !std::less<>{}(one.mHead, other.mTail) || !std::less<>{}(other.mHead, one.mTail);
+}
 
 template <typename Real>
 ErrorCode Roll(const Cursor& src, const Cursor& dst, const RollingRun& run)
@@ -197,7 +258,7 @@ ErrorCode Roll(const Cursor& src, const Cursor& dst, const RollingRun& run)
     if (length > std::numeric_limits<std::uint32_t>::max() - window) {
         return ERROR_NONE;
     }
-    Roller<Real> roller(src, run);
+    Roller<Real> roller(src, run, AreApart<Real>(src, dst));
     if (!roller.HasRoom()) {
         LogError("%s", run.refusal);
         return ERROR_PARAMETERS_REFUSED;

@@ -187,6 +187,6 @@ ErrorCode RoundBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
 }
 
 template class RoundBase<CONTAINER_ARRAY>;
-template class Unary<RoundBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template const UnaryTable<1> Unary<RoundBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 
 } // namespace MERVO::Tessera::Func

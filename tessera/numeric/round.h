@@ -8,6 +8,8 @@ namespace MERVO::Tessera::Func {
 template <ContainerID CID>
 class TESSERA_API RoundBase : public Unary<RoundBase<CID>, MutableArgs::DESTINATION> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     explicit RoundBase(std::uint32_t places) : decimals(places) {}
 
     std::string GetName() const override;
@@ -33,12 +35,12 @@ private:
  * @tparam DECIMALS how the decimals are handed in: uint32 by value, reference or const reference.
  */
 template <ContainerID CID, typename DECIMALS>
-class TESSERA_API Round final : public RoundBase<CID> {
+class Round final : public RoundBase<CID> {
 public:
     explicit Round(DECIMALS places) : RoundBase<CID>(places) {}
 };
 
-extern template class Unary<RoundBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template const UnaryTable<1> Unary<RoundBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 extern template class RoundBase<CONTAINER_ARRAY>;
 
 } // namespace MERVO::Tessera::Func

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "tessera/numeric/columns_abreast.h"
+#include "tessera/numeric/count_divisor.h"
 #include "tessera/numeric/plain_nan.h"
 #include "tessera/numeric/power.h"
 #include "tessera/numeric/reduction_result.h"
@@ -53,14 +55,43 @@ inline double DeviationFrom(double mean, double value)
     return present - mean;
 }
 
-/// Divides each term of the third and second central moment on its own.
+/// The powers of a deviation that make the third and the second central moment: each is divided on its own.
+struct Moments {
+    static constexpr double SMALLEST_SQUARE = 0x1p-600; ///< the cube of its root is CountDivisor::FUSED_FROM
+
+    static SumPair Of(double deviation)
+    {
+        const double square = deviation * deviation;
+        return {deviation * square, square};
+    }
+    template <bool HAS_FUSED, typename Size>
+    [[gnu::always_inline]] static void Divide(const CountDivisor& count, Size size, double* cubes, double* squares)
+    {
+        const bool isFused = HAS_FUSED && AreZeroOrAtLeast(SMALLEST_SQUARE, squares, size);
+        DivideEach<HAS_FUSED>(count, isFused, cubes, size, cubes);
+        DivideEach<HAS_FUSED>(count, isFused, squares, size, squares);
+    }
+};
+
+/// Those that make the kurtosis, which are added up as they are.
+struct EvenPowers {
+    static SumPair Of(double deviation)
+    {
+        const double square = deviation * deviation;
+        return {square * square, square};
+    }
+    template <bool HAS_FUSED, typename Size>
+    static void Divide(const CountDivisor&, Size, double*, double*)
+    {
+    }
+};
+
 [[gnu::always_inline]] inline void AddMoments(
     SumPair& moments, std::span<const double> values, double mean, double count)
 {
     AddTermPairs(moments, values, [mean, count](double value) -> SumPair {
-        const double deviation = DeviationFrom(mean, value);
-        const double square = deviation * deviation;
-        return {deviation * square / count, square / count};
+        const auto [cube, square] = Moments::Of(DeviationFrom(mean, value));
+        return {cube / count, square / count};
     });
 }
 
@@ -69,7 +100,24 @@ TESSERA_WIDE_VECTORS void AddMomentsWide(SumPair& moments, std::span<const doubl
     AddMoments(moments, values, mean, count);
 }
 
+/// @param moments the third and the second central one
 /// @param zero the largest magnitude that counts as none
+double SkewnessFrom(const SumPair& moments, std::uint64_t elements, bool bias, double zero)
+{
+    const auto [third, second] = moments;
+    const auto count = static_cast<double>(elements);
+    double skewness = 0.0;
+    if (bias) {
+        skewness = std::abs(second) < EPSILON ? 0.0 : third / PowerOneAndAHalf(second);
+    } else if (std::abs(second) < EPSILON || elements == 2) {
+        return NO_VALUE;
+    } else {
+        const auto pairs = static_cast<double>(elements * (elements - 1));
+        skewness = std::sqrt(pairs) * third / ((count - 2.0) * PowerOneAndAHalf(second));
+    }
+    return std::abs(skewness) > zero ? skewness : 0.0;
+}
+
 double Skewness(const Cursor& src, const ShapeParam& param, double zero)
 {
     const Present present = FindPresent(src, param.skipNan);
@@ -83,17 +131,7 @@ double Skewness(const Cursor& src, const ShapeParam& param, double zero)
         HasWideVectors() ? AddMomentsWide(moments, run, present.mean, count)
                          : AddMoments(moments, run, present.mean, count);
     }
-    const auto [third, second] = moments;
-    double skewness = 0.0;
-    if (param.bias) {
-        skewness = std::abs(second) < EPSILON ? 0.0 : third / PowerOneAndAHalf(second);
-    } else if (std::abs(second) < EPSILON || present.count == 2) {
-        return NO_VALUE;
-    } else {
-        const auto pairs = static_cast<double>(present.count * (present.count - 1));
-        skewness = std::sqrt(pairs) * third / ((count - 2.0) * PowerOneAndAHalf(second));
-    }
-    return std::abs(skewness) > zero ? skewness : 0.0;
+    return SkewnessFrom(moments, present.count, param.bias, zero);
 }
 
 /// The excess kurtosis of a population, from the sums of fourth powers and of squares of the deviations in a sample.
@@ -110,6 +148,22 @@ double UnbiasedKurtosis(double fourth, double second, double n)
     return WithPlainNan(numerator / denominator - (n - 1.0) * (n - 1.0) * 3.0 / scale);
 }
 
+/// @param sums those of fourth powers and of squares
+double KurtosisFrom(const SumPair& sums, std::uint64_t elements, bool bias, double zero)
+{
+    const auto [fourth, second] = sums;
+    const auto count = static_cast<double>(elements);
+    if (!bias) {
+        return elements < 4 ? NO_VALUE : UnbiasedKurtosis(fourth, second, count);
+    }
+    if (std::abs(second) < EPSILON) {
+        return -3.0;
+    }
+    const double variance = second / count;
+    const double kurtosis = fourth / count / (variance * variance) - 3.0;
+    return std::abs(kurtosis) > zero ? kurtosis : 0.0;
+}
+
 double Kurtosis(const Cursor& src, const ShapeParam& param, double zero)
 {
     const Present present = FindPresent(src, param.skipNan);
@@ -119,24 +173,52 @@ double Kurtosis(const Cursor& src, const ShapeParam& param, double zero)
     SumPair sums;
     RealRuns<double> runs(src);
     for (auto run = runs.Next(); !run.empty(); run = runs.Next()) {
-        AddTermPairs(sums, run, [mean = present.mean](double value) -> SumPair {
-            const double deviation = DeviationFrom(mean, value);
-            const double square = deviation * deviation;
-            return {square * square, square};
-        });
+        AddTermPairs(
+            sums, run, [mean = present.mean](double value) { return EvenPowers::Of(DeviationFrom(mean, value)); });
     }
-    const auto [fourth, second] = sums;
-    const auto count = static_cast<double>(present.count);
-    if (!param.bias) {
-        return present.count < 4 ? NO_VALUE : UnbiasedKurtosis(fourth, second, count);
-    }
-    if (std::abs(second) < EPSILON) {
-        return -3.0;
-    }
-    const double variance = second / count;
-    const double kurtosis = fourth / count / (variance * variance) - 3.0;
-    return std::abs(kurtosis) > zero ? kurtosis : 0.0;
+    return KurtosisFrom(sums, present.count, param.bias, zero);
 }
+
+/// A measure of shape of doubles, made of what the two passes give.
+using ShapeFrom = double (*)(const SumPair& sums, std::uint64_t elements, bool bias, double zero);
+
+/// The two passes over several columns at a time.
+template <typename Powers>
+struct MeasureShape {
+    ShapeParam param;
+    ShapeFrom shapeFrom;
+
+    template <typename Adder>
+    [[gnu::always_inline]] Abreast Reduce(const ColumnsAbreast& columns) const
+    {
+        const PresentAbreast present = SumsOfPresentAbreast<Adder>(columns);
+        std::array<std::uint32_t, COLUMNS_ABREAST> counts{};
+        std::array<CountDivisor, COLUMNS_ABREAST> divisors;
+        Abreast means;
+        for (std::size_t k = 0; k < columns.count; ++k) {
+            counts[k] = columns.length - present.missing[k];
+            divisors[k] = CountDivisor(counts[k]);
+            means[k] = divisors[k].Quotient(present.totals[k]); // NaN where nothing is present
+        }
+        std::array<Abreast, 2> sums{};
+        AddAbreast<Adder>(sums, columns, [&](std::size_t k, const double* values, auto count, auto& terms) {
+            double* const firsts = terms[0][k].data();
+            double* const seconds = terms[1][k].data();
+            for (std::size_t i = 0; i < count; ++i) {
+                const SumPair powers = Powers::Of(DeviationFrom(means[k], values[i]));
+                firsts[i] = powers.first;
+                seconds[i] = powers.second;
+            }
+            Powers::template Divide<Adder::HAS_FUSED>(divisors[k], count, firsts, seconds);
+        });
+        Abreast shapes;
+        for (std::size_t k = 0; k < columns.count; ++k) {
+            const bool isKnown = counts[k] != 0 && (present.missing[k] == 0 || param.skipNan);
+            shapes[k] = isKnown ? shapeFrom({sums[0][k], sums[1][k]}, counts[k], param.bias, EPSILON) : NO_VALUE;
+        }
+        return shapes;
+    }
+};
 
 template <typename T>
 ErrorCode StoreShape(const Cursor& src, const Cursor& dst, const ShapeParam& param,
@@ -169,6 +251,12 @@ SeriesAttr SkewBase<CID>::GetDstAttr(const Cursor& src) const
 }
 
 template <ContainerID CID>
+bool SkewBase<CID>::ReduceColumns(std::span<const Cursor> sources, std::span<const Cursor> results) const
+{
+    return ReduceAbreast(*this, sources, results, MeasureShape<Moments>{param, &SkewnessFrom});
+}
+
+template <ContainerID CID>
 template <typename T, typename>
 ErrorCode SkewBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
 {
@@ -188,6 +276,12 @@ SeriesAttr KurtBase<CID>::GetDstAttr(const Cursor& src) const
         LogError("the input data type doesn't satisfy needs of functor");
     }
     return GetRealResultAttr(src);
+}
+
+template <ContainerID CID>
+bool KurtBase<CID>::ReduceColumns(std::span<const Cursor> sources, std::span<const Cursor> results) const
+{
+    return ReduceAbreast(*this, sources, results, MeasureShape<EvenPowers>{param, &KurtosisFrom});
 }
 
 template <ContainerID CID>

@@ -18,6 +18,8 @@ public:
 
     std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& src) const override;
+    bool ReducesColumns() const override { return true; }
+    bool ReduceColumns(std::span<const Cursor> sources, std::span<const Cursor> results) const override;
     template <typename T, typename>
     ErrorCode OnExecute(const Cursor& src, const Cursor& dst) const;
 
@@ -37,7 +39,7 @@ private:
  * @tparam FLAG how skipNan and bias, two bools in this order, are handed in: by value, reference or const reference.
  */
 template <ContainerID CID, typename... FLAG>
-class TESSERA_API Skew final : public SkewBase<CID> {
+class Skew final : public SkewBase<CID> {
 public:
     explicit Skew(FLAG... skipNanAndBias) : SkewBase<CID>(ShapeParam{skipNanAndBias...}) {}
 };
@@ -50,6 +52,8 @@ public:
 
     std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& src) const override;
+    bool ReducesColumns() const override { return true; }
+    bool ReduceColumns(std::span<const Cursor> sources, std::span<const Cursor> results) const override;
     template <typename T, typename>
     ErrorCode OnExecute(const Cursor& src, const Cursor& dst) const;
 
@@ -68,22 +72,16 @@ private:
  * @tparam FLAG as in Skew.
  */
 template <ContainerID CID, typename... FLAG>
-class TESSERA_API Kurt final : public KurtBase<CID> {
+class Kurt final : public KurtBase<CID> {
 public:
     explicit Kurt(FLAG... skipNanAndBias) : KurtBase<CID>(ShapeParam{skipNanAndBias...}) {}
 };
 
-extern template class Unary<SkewBase<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
-extern template class RealStatistic<SkewBase<CONTAINER_ARRAY>>;
+extern template const UnaryTable<2>
+    Unary<SkewBase<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 extern template class SkewBase<CONTAINER_ARRAY>;
-extern template class Skew<CONTAINER_ARRAY, bool, bool>;
-extern template class Skew<CONTAINER_ARRAY, bool&, bool&>;
-extern template class Skew<CONTAINER_ARRAY, const bool&, const bool&>;
-extern template class Unary<KurtBase<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
-extern template class RealStatistic<KurtBase<CONTAINER_ARRAY>>;
+extern template const UnaryTable<2>
+    Unary<KurtBase<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 extern template class KurtBase<CONTAINER_ARRAY>;
-extern template class Kurt<CONTAINER_ARRAY, bool, bool>;
-extern template class Kurt<CONTAINER_ARRAY, bool&, bool&>;
-extern template class Kurt<CONTAINER_ARRAY, const bool&, const bool&>;
 
 } // namespace MERVO::Tessera::Func

@@ -56,10 +56,10 @@ bool StoreSumsOfGroups(const Cursor& src, const RowGroups& groups, const Cursor&
 }
 
 struct AddUp {
-    [[gnu::always_inline]] void operator()(const ColumnsAbreast& columns, Abreast& sums) const
+    template <typename Adder>
+    [[gnu::always_inline]] Abreast Reduce(const ColumnsAbreast& columns) const
     {
-        sums = {};
-        AddTermsAbreast(sums, columns, [](std::size_t, double value) { return value; });
+        return SumsOfTermsAbreast<Adder>(columns, [](std::size_t, double value) { return value; });
     }
 };
 
@@ -112,6 +112,6 @@ ErrorCode Sum<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
 }
 
 template class Sum<CONTAINER_ARRAY>;
-template class Unary<Sum<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
+template const UnaryTable<2> Unary<Sum<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 
 } // namespace MERVO::Tessera::Func

@@ -26,7 +26,8 @@ public:
     ErrorCode OnExecute(const Cursor& src, const Cursor& dst) const;
 };
 
-extern template class Unary<Sum<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>;
+extern template const UnaryTable<2>
+    Unary<Sum<CONTAINER_ARRAY>, MutableArgs::SOURCE, MutableArgs::DESTINATION>::transformTable;
 extern template class Sum<CONTAINER_ARRAY>;
 
 } // namespace MERVO::Tessera::Func

@@ -120,28 +120,28 @@ void PickAddWindows(
 }
 
 template <typename Real>
-[[gnu::always_inline]] inline void FinishSumsBy(Real* sums, std::size_t count, Real divisor)
+[[gnu::always_inline]] inline void FinishSumsBy(const Real* sums, std::size_t count, Real divisor, Real* results)
 {
     if (divisor == 1) {
-        std::transform(sums, sums + count, sums, [](Real sum) { return WithPlainNan(sum); });
+        std::transform(sums, sums + count, results, [](Real sum) { return WithPlainNan(sum); });
     } else {
-        std::transform(sums, sums + count, sums, [divisor](Real sum) { return WithPlainNan(sum / divisor); });
+        std::transform(sums, sums + count, results, [divisor](Real sum) { return WithPlainNan(sum / divisor); });
     }
 }
 
 template <typename Real>
-TESSERA_WIDE_VECTORS void FinishSumsWide(Real* sums, std::size_t count, Real divisor)
+TESSERA_WIDE_VECTORS void FinishSumsWide(const Real* sums, std::size_t count, Real divisor, Real* results)
 {
-    FinishSumsBy(sums, count, divisor);
+    FinishSumsBy(sums, count, divisor, results);
 }
 
 template <typename Real>
-void PickFinishSums(Real* sums, std::size_t count, Real divisor)
+void PickFinishSums(const Real* sums, std::size_t count, Real divisor, Real* results)
 {
     if (HasWideVectors()) {
-        FinishSumsWide(sums, count, divisor);
+        FinishSumsWide(sums, count, divisor, results);
     } else {
-        FinishSumsBy(sums, count, divisor);
+        FinishSumsBy(sums, count, divisor, results);
     }
 }
 
@@ -211,9 +211,15 @@ void AddWindows(const double* values, std::size_t count, std::size_t window, dou
     PickAddWindows(values, count, window, sums, mayGoWide);
 }
 
-void FinishSums(float* sums, std::size_t count, float divisor) { PickFinishSums(sums, count, divisor); }
+void FinishSums(const float* sums, std::size_t count, float divisor, float* results)
+{
+    PickFinishSums(sums, count, divisor, results);
+}
 
-void FinishSums(double* sums, std::size_t count, double divisor) { PickFinishSums(sums, count, divisor); }
+void FinishSums(const double* sums, std::size_t count, double divisor, double* results)
+{
+    PickFinishSums(sums, count, divisor, results);
+}
 
 bool HaveExactSums(const float* values, std::size_t count, std::size_t window)
 {

@@ -18,9 +18,10 @@ inline constexpr std::size_t WINDOW_SLACK = 64;
 void AddWindows(const float* values, std::size_t count, std::size_t window, float* sums, bool mayGoWide = true);
 void AddWindows(const double* values, std::size_t count, std::size_t window, double* sums, bool mayGoWide = true);
 
-/// Divides each sum by `divisor`, which is not 0, and gives every NaN the one sign and payload of plain_nan.h.
-void FinishSums(float* sums, std::size_t count, float divisor);
-void FinishSums(double* sums, std::size_t count, double divisor);
+/// Divides each sum by `divisor`, which is not 0, and gives every NaN the one sign and payload of plain_nan.h. The
+/// results may take the sums' own place.
+void FinishSums(const float* sums, std::size_t count, float divisor, float* results);
+void FinishSums(const double* sums, std::size_t count, double divisor, double* results);
 
 /**
  * Tells whether any `window` of these values adds up without rounding, in whatever order: all are multiples of a power

@@ -64,9 +64,7 @@ ErrorCode DropRowBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) cons
     return ERROR_NONE;
 }
 
-template class Unary<DropRowBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template const UnaryTable<1> Unary<DropRowBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 template class DropRowBase<CONTAINER_ARRAY>;
-template class DropRow<CONTAINER_ARRAY, std::set<std::uint32_t>&>;
-template class DropRow<CONTAINER_ARRAY, const std::set<std::uint32_t>&>;
 
 } // namespace MERVO::Tessera::Func

@@ -17,6 +17,8 @@ namespace Func {
 template <ContainerID CID>
 class TESSERA_API DropRowBase : public Unary<DropRowBase<CID>, MutableArgs::DESTINATION> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     explicit DropRowBase(const std::set<std::uint32_t>& rows) : listed(&rows) {}
     explicit DropRowBase(const DroppedRows& rows) : marked(&rows) {}
 
@@ -42,17 +44,15 @@ private:
  * @tparam ROWS how the rows are handed in: std::set<std::uint32_t>&, the same as const, or const DroppedRows&.
  */
 template <ContainerID CID, typename ROWS>
-class TESSERA_API DropRow final : public DropRowBase<CID> {
+class DropRow final : public DropRowBase<CID> {
     static_assert(std::is_reference_v<ROWS>);
 
 public:
     explicit DropRow(ROWS rows) : DropRowBase<CID>(rows) {}
 };
 
-extern template class Unary<DropRowBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template const UnaryTable<1> Unary<DropRowBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 extern template class DropRowBase<CONTAINER_ARRAY>;
-extern template class DropRow<CONTAINER_ARRAY, std::set<std::uint32_t>&>;
-extern template class DropRow<CONTAINER_ARRAY, const std::set<std::uint32_t>&>;
 
 } // namespace Func
 } // namespace MERVO::Tessera

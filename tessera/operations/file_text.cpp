@@ -10,6 +10,7 @@
 #include <limits>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 #include "tessera/core/memory_room.h"
 #include "tessera/platform/logger.h"
@@ -50,12 +51,12 @@ bool FileText::Reserve(std::size_t wanted)
 {
     const std::size_t room = wanted + guard;
     const bool hasRoom = room >= wanted && HasRoomFor(std::uint64_t{room} + size, 1); // a pipe may have no end
-    auto* const block = hasRoom ? static_cast<char*>(AllocateBlock(room, 1)) : nullptr;
+    Block<char> block = hasRoom ? MakeBlock<char>(room) : nullptr;
     if (block == nullptr) {
         return false;
     }
-    std::copy_n(bytes.get(), size, block);
-    bytes.reset(block);
+    std::copy_n(bytes.get(), size, block.get());
+    bytes = std::move(block);
     capacity = wanted;
     return true;
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -24,16 +23,12 @@ public:
     std::string_view View() const { return {bytes.get(), size}; }
 
 private:
-    struct Free {
-        void operator()(char* block) const { FreeBlock(block); }
-    };
-
     ErrorCode Fail(ErrorCode code, const char* what, int error) const;
     bool Reserve(std::size_t wanted);
 
     std::string name;
     FileDescriptor file;
-    std::unique_ptr<char, Free> bytes;
+    Block<char> bytes;
     std::size_t size = 0;
     std::size_t capacity = 0;
     std::size_t guard = 0; ///< behind the capacity

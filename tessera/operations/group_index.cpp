@@ -88,9 +88,7 @@ ErrorCode GroupIndexBase<CID>::OnExecute(const Cursor& cursor) const
     }
 }
 
-template class Nullary<GroupIndexBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template const NullaryTable<1> Nullary<GroupIndexBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 template class GroupIndexBase<CONTAINER_ARRAY>;
-template class GroupIndex<CONTAINER_ARRAY, std::vector<std::uint8_t>&>;
-template class GroupIndex<CONTAINER_ARRAY, std::vector<std::uint8_t>&, std::vector<std::uint32_t>&>;
 
 } // namespace MERVO::Tessera::Func

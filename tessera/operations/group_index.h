@@ -40,14 +40,13 @@ private:
  * @tparam ARGS std::vector<std::uint8_t>& for the flags, and for the second form std::vector<std::uint32_t>&.
  */
 template <ContainerID CID, typename... ARGS>
-class TESSERA_API GroupIndex final : public GroupIndexBase<CID> {
+class GroupIndex final : public GroupIndexBase<CID> {
 public:
     explicit GroupIndex(ARGS... arguments) : GroupIndexBase<CID>(arguments...) {}
 };
 
-extern template class Nullary<GroupIndexBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template const NullaryTable<1>
+    Nullary<GroupIndexBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 extern template class GroupIndexBase<CONTAINER_ARRAY>;
-extern template class GroupIndex<CONTAINER_ARRAY, std::vector<std::uint8_t>&>;
-extern template class GroupIndex<CONTAINER_ARRAY, std::vector<std::uint8_t>&, std::vector<std::uint32_t>&>;
 
 } // namespace MERVO::Tessera::Func

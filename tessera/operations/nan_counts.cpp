@@ -23,10 +23,7 @@ public:
         if (added == std::numeric_limits<std::uint8_t>::max()) {
             Widen();
         }
-        column.Mark(first, count, marks.data());
-        for (std::uint32_t i = 0; i < count; ++i) {
-            bytes[i] = static_cast<std::uint8_t>(bytes[i] + (marks[i] ? 1 : 0));
-        }
+        column.Count(first, count, bytes.data());
         ++added;
     }
     const bool* MarksAbove(std::uint32_t limit)
@@ -75,6 +72,15 @@ void NanSource::Mark(std::uint32_t first, std::uint32_t count, bool* marks) cons
         Func::MarkNans(twice + first, marks, count);
     } else {
         std::fill_n(marks, count, false);
+    }
+}
+
+void NanSource::Count(std::uint32_t first, std::uint32_t count, std::uint8_t* counts) const
+{
+    if (single != nullptr) {
+        Func::CountNans(single + first, counts, count);
+    } else if (twice != nullptr) {
+        Func::CountNans(twice + first, counts, count);
     }
 }
 

@@ -14,6 +14,8 @@ public:
 
     /// Marks of `count` elements from `first` on whether they are NaN.
     void Mark(std::uint32_t first, std::uint32_t count, bool* marks) const;
+    /// Counts 1 up for each of them that is NaN.
+    void Count(std::uint32_t first, std::uint32_t count, std::uint8_t* counts) const;
     /// Whether an element of the column can be NaN at all.
     bool CanHaveNan() const { return single != nullptr || twice != nullptr; }
 

@@ -53,6 +53,6 @@ ErrorCode Reorder<CID>::OnExecute(const Cursor& lhs, const Cursor& rhs, const Cu
 }
 
 template class Reorder<CONTAINER_ARRAY>;
-template class Binary<Reorder<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template const BinaryTable<1> Binary<Reorder<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 
 } // namespace MERVO::Tessera::Func

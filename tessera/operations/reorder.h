@@ -15,6 +15,8 @@ namespace MERVO::Tessera::Func {
 template <ContainerID CID>
 class TESSERA_API Reorder final : public Binary<Reorder<CID>, MutableArgs::DESTINATION> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& lhs, const Cursor& rhs) const override;
     bool CheckParams(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const override;
@@ -22,7 +24,7 @@ public:
     ErrorCode OnExecute(const Cursor& lhs, const Cursor& rhs, const Cursor& dst) const;
 };
 
-extern template class Binary<Reorder<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template const BinaryTable<1> Binary<Reorder<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 extern template class Reorder<CONTAINER_ARRAY>;
 
 } // namespace MERVO::Tessera::Func

@@ -106,8 +106,8 @@ ErrorCode DropRowByBool<CID>::OnExecute(const Cursor& filter, const Cursor& src,
 }
 
 template class SelectRowByBool<CONTAINER_ARRAY>;
-template class Binary<SelectRowByBool<CONTAINER_ARRAY>, MutableArgs::SECOND>;
+template const BinaryTable<1> Binary<SelectRowByBool<CONTAINER_ARRAY>, MutableArgs::SECOND>::transformTable;
 template class DropRowByBool<CONTAINER_ARRAY>;
-template class Binary<DropRowByBool<CONTAINER_ARRAY>, MutableArgs::SECOND>;
+template const BinaryTable<1> Binary<DropRowByBool<CONTAINER_ARRAY>, MutableArgs::SECOND>::transformTable;
 
 } // namespace MERVO::Tessera::Func

@@ -28,6 +28,8 @@ ErrorCode Execute(const Cursor& filter, const Cursor& src, bool wanted, const Cu
 template <ContainerID CID>
 class TESSERA_API SelectRowByBool final : public Binary<SelectRowByBool<CID>, MutableArgs::SECOND> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& filter, const Cursor& src) const override;
     bool CheckParams(const Cursor& filter, const Cursor& src, const Cursor& dst) const override;
@@ -42,6 +44,8 @@ private:
 template <ContainerID CID>
 class TESSERA_API DropRowByBool final : public Binary<DropRowByBool<CID>, MutableArgs::SECOND> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& filter, const Cursor& src) const override;
     bool CheckParams(const Cursor& filter, const Cursor& src, const Cursor& dst) const override;
@@ -52,9 +56,9 @@ private:
     mutable std::uint32_t goingRows = 0;
 };
 
-extern template class Binary<SelectRowByBool<CONTAINER_ARRAY>, MutableArgs::SECOND>;
+extern template const BinaryTable<1> Binary<SelectRowByBool<CONTAINER_ARRAY>, MutableArgs::SECOND>::transformTable;
 extern template class SelectRowByBool<CONTAINER_ARRAY>;
-extern template class Binary<DropRowByBool<CONTAINER_ARRAY>, MutableArgs::SECOND>;
+extern template const BinaryTable<1> Binary<DropRowByBool<CONTAINER_ARRAY>, MutableArgs::SECOND>::transformTable;
 extern template class DropRowByBool<CONTAINER_ARRAY>;
 
 } // namespace MERVO::Tessera::Func

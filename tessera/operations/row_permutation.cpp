@@ -8,6 +8,7 @@
 
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
+#include "tessera/core/scattered.h"
 #include "tessera/functors/assign_text.h"
 #include "tessera/functors/gather.h"
 
@@ -20,13 +21,19 @@ using Positions = std::span<const std::uint32_t>;
 template <typename T>
 constexpr bool OWNS_MEMORY = std::is_same_v<T, std::string> || std::is_same_v<T, DataFrame>;
 
+/// Whether copying a text needs no memory; then it takes less time than moving it.
+bool IsShort(const std::string& text)
+{
+    static const bool areInline = std::string().capacity() >= Func::READ_AHEAD;
+    return areInline && text.size() <= Func::READ_AHEAD;
+}
+
 template <typename T>
 void MoveCell(T& to, T& from) noexcept
 {
     if constexpr (std::is_same_v<T, std::string>) {
-        static const bool isInline = std::string().capacity() >= Func::READ_AHEAD;
-        if (isInline && from.size() <= Func::READ_AHEAD) {
-            Func::AssignText(to, from); // needs no memory, and less time than moving
+        if (IsShort(from)) {
+            Func::AssignText(to, from);
         } else {
             to = std::move(from);
         }
@@ -42,13 +49,11 @@ template <typename T>
 void MoveCells(const Cursor& from, Positions positions, const Cursor& to)
 {
     if constexpr (OWNS_MEMORY<T>) {
-        constexpr std::size_t AHEAD = 16; // memory answers later than the processor looks
         T* const source = CursorAs<CONTAINER_ARRAY, T>(from).mHead;
-        T* target = CursorAs<CONTAINER_ARRAY, T>(to).mHead;
-        for (std::size_t i = 0; i < positions.size(); ++i, ++target) {
-            __builtin_prefetch(source + positions[std::min(i + AHEAD, positions.size() - 1)]);
-            MoveCell(*target, source[positions[i]]);
-        }
+        T* const target = CursorAs<CONTAINER_ARRAY, T>(to).mHead;
+        VisitScattered(
+            positions.size(), [source, positions](std::size_t i) { return source + positions[i]; },
+            [target](std::size_t i, T* cell) { MoveCell(target[i], *cell); });
     } else {
         Func::Gather(from, positions, to);
     }
@@ -99,6 +104,20 @@ bool RowPermutation::KeepsAll() const { return std::is_sorted(positions.begin(),
 void RowPermutation::MoveInto(const Cursor& from, const Cursor& to) const noexcept
 {
     MOVERS[static_cast<std::size_t>(from->GetAttr().typeId)](from, positions, to);
+}
+
+void RowPermutation::MoveTexts(std::string* from, std::string* to) const noexcept
+{
+    VisitScattered(
+        positions.size(), [from, rows = positions](std::size_t i) { return from + rows[i]; },
+        [to](std::size_t i, std::string* text) {
+            if (IsShort(*text)) {
+                Func::MakeText(to + i, *text);
+            } else {
+                std::construct_at(to + i, std::move(*text));
+            }
+            std::destroy_at(text);
+        });
 }
 
 void RowPermutation::ReorderInPlace(const Cursor& column) noexcept

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "tessera/core/cursor.h"
@@ -22,6 +23,8 @@ public:
     bool KeepsAll() const;
     /// Fills a column of the same value type with the cells of another, which holds nothing of use afterwards.
     void MoveInto(const Cursor& from, const Cursor& to) const noexcept;
+    /// Constructs texts of those at the positions, which it destroys.
+    void MoveTexts(std::string* from, std::string* to) const noexcept;
     /// Needs no further memory, but more time: it follows the cells from place to place.
     void ReorderInPlace(const Cursor& column) noexcept;
 

@@ -1,10 +1,12 @@
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <utility>
 
 #include "tessera/functors/functor_factory.h"
 #include "tessera/functors/table_combination.h"
 #include "tessera/operations/bool_filter.h"
+#include "tessera/operations/chosen_rows.h"
 #include "tessera/operations/drop_row.h"
 #include "tessera/operations/dropped_rows.h"
 #include "tessera/operations/row_filter.h"
@@ -26,13 +28,24 @@ DataFrame WithoutRows(const DataFrameRef& table)
     return GetEmptyDataFrame(window);
 }
 
-DataFrame FilterRows(
-    const DataFrame& table, const DataFrame& filter, const BinaryFactory& factory, const FilterTexts& texts)
+/// The rows whose mark in a filter of one column is as wanted; none where the functors have to see to it.
+std::optional<DataFrame> FilteredAtOnce(const DataFrame& table, const DataFrame& filter, bool wanted)
+{
+    const Cursor marks = filter.GetSlicedIterator(filter.GetColumn(0));
+    const bool areBits = marks != nullptr && marks->IsMemoryContiguous() && marks->GetAttr().typeId == TESSERA_BOOL;
+    return areBits ? RowsMarked(table, marks, wanted) : std::nullopt;
+}
+
+DataFrame FilterRows(const DataFrame& table, const DataFrame& filter, bool wanted, const BinaryFactory& factory,
+    const FilterTexts& texts)
 {
     const bool fits = filter.ColumnCount() == 1 && filter.RowCount() == table.RowCount();
     const Error refusal = FilterRefusal(table, filter, fits, table.GetError().code, texts);
     if (refusal.code != ERROR_NONE) {
         return FailedTable(refusal.code, refusal.message);
+    }
+    if (std::optional<DataFrame> rows = FilteredAtOnce(table, filter, wanted)) {
+        return std::move(*rows);
     }
     DataFrame result = WithoutRows(table);
     const ErrorCode code = result.ApplyInplace(factory, filter, table);
@@ -61,7 +74,7 @@ try {
     constexpr FilterTexts TEXTS{"Invalid dataframe %d while selecting row for DataFrame",
         "Invalid boolFilter %d while selecting row", "Select row shape mismatch, boolFilter[%d, %d], this[%d, %d]",
         "SelectRow received invalid bool dataframe."};
-    return FilterRows(*this, boolFilter, Func::FunctorFactory<Func::SelectRowByBool, Func::BinaryBase>{}, TEXTS);
+    return FilterRows(*this, boolFilter, true, Func::FunctorFactory<Func::SelectRowByBool, Func::BinaryBase>{}, TEXTS);
 } catch (...) { // no memory
     return Func::TableWithoutMemory("SelectRow");
 }
@@ -70,7 +83,7 @@ DataFrame DataFrame::DropRow(const DataFrame& boolFilter) const
 try {
     constexpr FilterTexts TEXTS{"Invalid dataframe %d while dropping row", "Invalid boolFilter %d while dropping row",
         nullptr, "DropNan received invalid bool dataframe."};
-    return FilterRows(*this, boolFilter, Func::FunctorFactory<Func::DropRowByBool, Func::BinaryBase>{}, TEXTS);
+    return FilterRows(*this, boolFilter, false, Func::FunctorFactory<Func::DropRowByBool, Func::BinaryBase>{}, TEXTS);
 } catch (...) { // no memory
     return Func::TableWithoutMemory("DropRow");
 }
@@ -83,6 +96,9 @@ try {
     }
     if (RowCount() == 0) {
         return FailedTable(ERROR_EMPTY_TABLE, "selecting row on an empty dataframe.");
+    }
+    if (std::optional<DataFrame> rows = RowsAt(*this, index)) {
+        return std::move(*rows);
     }
     using Factory = Func::FunctorFactory<Func::SelectRow, Func::UnaryBase, const std::vector<std::uint32_t>&>;
     return Applied(Factory{index}, *this);

@@ -48,9 +48,7 @@ ErrorCode SelectRowBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) co
     return ERROR_NONE;
 }
 
-template class Unary<SelectRowBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template const UnaryTable<1> Unary<SelectRowBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 template class SelectRowBase<CONTAINER_ARRAY>;
-template class SelectRow<CONTAINER_ARRAY, std::vector<std::uint32_t>&>;
-template class SelectRow<CONTAINER_ARRAY, const std::vector<std::uint32_t>&>;
 
 } // namespace MERVO::Tessera::Func

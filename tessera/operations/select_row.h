@@ -13,6 +13,8 @@ namespace MERVO::Tessera::Func {
 template <ContainerID CID>
 class TESSERA_API SelectRowBase : public Unary<SelectRowBase<CID>, MutableArgs::DESTINATION> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     explicit SelectRowBase(const std::vector<std::uint32_t>& positions) : index(positions) {}
 
     std::string GetName() const override;
@@ -36,16 +38,14 @@ private:
  * @tparam INDEX how the list is handed in: std::vector<std::uint32_t>& or the same as const.
  */
 template <ContainerID CID, typename INDEX>
-class TESSERA_API SelectRow final : public SelectRowBase<CID> {
+class SelectRow final : public SelectRowBase<CID> {
     static_assert(std::is_reference_v<INDEX>);
 
 public:
     explicit SelectRow(INDEX positions) : SelectRowBase<CID>(positions) {}
 };
 
-extern template class Unary<SelectRowBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template const UnaryTable<1> Unary<SelectRowBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 extern template class SelectRowBase<CONTAINER_ARRAY>;
-extern template class SelectRow<CONTAINER_ARRAY, std::vector<std::uint32_t>&>;
-extern template class SelectRow<CONTAINER_ARRAY, const std::vector<std::uint32_t>&>;
 
 } // namespace MERVO::Tessera::Func

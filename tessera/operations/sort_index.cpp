@@ -90,10 +90,7 @@ ErrorCode SortIndexBase<CID>::OnExecute(const Cursor& cursor) const
     return Guarded("SortIndex", [&] { return OrderPositions(cursor, index, ascending, sorted); });
 }
 
-template class Nullary<SortIndexBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+template const NullaryTable<1> Nullary<SortIndexBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 template class SortIndexBase<CONTAINER_ARRAY>;
-template class SortIndex<CONTAINER_ARRAY, Positions&, const bool&>;
-template class SortIndex<CONTAINER_ARRAY, Positions&, bool>;
-template class SortIndex<CONTAINER_ARRAY, Positions&, bool&, bool&>;
 
 } // namespace MERVO::Tessera::Func

@@ -10,6 +10,8 @@ namespace MERVO::Tessera::Func {
 template <ContainerID CID>
 class TESSERA_API SortIndexBase : public Nullary<SortIndexBase<CID>, MutableArgs::DESTINATION> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     explicit SortIndexBase(std::vector<std::uint32_t>& positions, bool isAscending, bool isSorted = true)
         : index(positions), ascending(isAscending), sorted(isSorted)
     {
@@ -43,15 +45,12 @@ private:
  *         sorted.
  */
 template <ContainerID CID, typename... ARGS>
-class TESSERA_API SortIndex final : public SortIndexBase<CID> {
+class SortIndex final : public SortIndexBase<CID> {
 public:
     explicit SortIndex(ARGS... arguments) : SortIndexBase<CID>(arguments...) {}
 };
 
-extern template class Nullary<SortIndexBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template const NullaryTable<1> Nullary<SortIndexBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 extern template class SortIndexBase<CONTAINER_ARRAY>;
-extern template class SortIndex<CONTAINER_ARRAY, std::vector<std::uint32_t>&, const bool&>;
-extern template class SortIndex<CONTAINER_ARRAY, std::vector<std::uint32_t>&, bool>;
-extern template class SortIndex<CONTAINER_ARRAY, std::vector<std::uint32_t>&, bool&, bool&>;
 
 } // namespace MERVO::Tessera::Func

@@ -9,6 +9,7 @@
 
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
+#include "tessera/core/scattered.h"
 #include "tessera/operations/different_elements.h"
 
 namespace MERVO::Tessera {
@@ -69,17 +70,31 @@ private:
     std::uint32_t firstCount;
 };
 
+/// Calls visit(i, place) for the element at each position; bits have no address to be asked for.
+template <typename T, typename Elements, typename Visit>
+void VisitElements(const Elements& elements, SortKeys::Positions positions, Visit visit)
+{
+    if constexpr (std::is_same_v<T, bool>) {
+        for (std::size_t i = 0; i < positions.size(); ++i) {
+            visit(i, elements.PlaceOf(positions[i]));
+        }
+    } else {
+        VisitScattered(
+            positions.size(), [elements, positions](std::size_t i) { return elements.PlaceOf(positions[i]); }, visit);
+    }
+}
+
 template <typename T, typename Elements>
 void MarkChangesOf(const Elements& elements, SortKeys::Positions positions, std::uint8_t* __restrict flags)
 {
-    constexpr std::size_t AHEAD = 16; // memory answers later than the processor looks
-    for (std::size_t i = 1; i < positions.size(); ++i) {
-        if constexpr (!std::is_same_v<T, bool>) {
-            __builtin_prefetch(elements.PlaceOf(positions[std::min(i + AHEAD, positions.size() - 1)]));
-        }
-        const bool isChange = AreDifferent<T>(*elements.PlaceOf(positions[i]), *elements.PlaceOf(positions[i - 1]));
-        flags[i] = isChange ? 1 : flags[i];
+    if (positions.empty()) {
+        return;
     }
+    auto before = elements.PlaceOf(positions.front());
+    VisitElements<T>(elements, positions, [&before, flags](std::size_t i, auto place) {
+        flags[i] = i != 0 && AreDifferent<T>(*place, *before) ? 1 : flags[i];
+        before = place;
+    });
 }
 
 template <typename T, typename Elements>
@@ -93,14 +108,12 @@ public:
 
     void Read(Positions positions, std::size_t, std::uint64_t* keys) const override
     {
-        for (const std::uint32_t position : positions) {
-            *keys++ = KeyAt(position);
-        }
+        VisitElements<T>(elements, positions, [keys](std::size_t i, auto place) { keys[i] = KeyAt(place); });
     }
     void ReadRange(std::uint32_t first, std::uint32_t count, std::uint64_t* keys) const override
     {
         for (std::uint32_t i = 0; i < count; ++i) {
-            keys[i] = KeyAt(first + i);
+            keys[i] = KeyAt(elements.PlaceOf(first + i));
         }
     }
     std::pair<std::uint64_t, std::uint64_t> BoundsOf(std::uint32_t count) const override
@@ -116,7 +129,8 @@ public:
         } else {
             std::pair<std::uint64_t, std::uint64_t> bounds{NAN_KEY, 0};
             for (std::uint32_t i = 0; i < count; ++i) {
-                bounds = {std::min(bounds.first, KeyAt(i)), std::max(bounds.second, KeyAt(i))};
+                const std::uint64_t key = KeyAt(elements.PlaceOf(i));
+                bounds = {std::min(bounds.first, key), std::max(bounds.second, key)};
             }
             return bounds;
         }
@@ -128,12 +142,13 @@ public:
     }
 
 private:
-    std::uint64_t KeyAt(std::uint32_t position) const
+    template <typename Place>
+    static std::uint64_t KeyAt(const Place& place)
     {
         if constexpr (std::is_same_v<T, bool>) {
-            return *elements.PlaceOf(position) ? 1 : 0;
+            return *place ? 1 : 0;
         } else {
-            return KeyOf(*elements.PlaceOf(position));
+            return KeyOf(*place);
         }
     }
 
@@ -190,10 +205,9 @@ public:
 
     void Read(Positions positions, std::size_t offset, std::uint64_t* keys) const override
     {
-        for (const std::uint32_t position : positions) {
-            const std::string& text = *elements.PlaceOf(position);
-            *keys++ = KeyOfText(text.data() + offset, text.size() - offset);
-        }
+        VisitElements<std::string>(elements, positions, [keys, offset](std::size_t i, const std::string* text) {
+            keys[i] = KeyOfText(text->data() + offset, text->size() - offset);
+        });
     }
     void ReadRange(std::uint32_t, std::uint32_t, std::uint64_t*) const override {}
     std::pair<std::uint64_t, std::uint64_t> BoundsOf(std::uint32_t) const override { return {0, 0}; }

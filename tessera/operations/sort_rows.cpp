@@ -4,6 +4,7 @@
 
 #include "tessera/core/data_frame.h"
 #include "tessera/core/flat_call.h"
+#include "tessera/core/raw_texts.h"
 #include "tessera/functors/column_runs.h"
 #include "tessera/functors/functor_factory.h"
 #include "tessera/operations/row_permutation.h"
@@ -29,10 +30,26 @@ std::vector<Cursor> CursorsOnArrays(const DataFrameRef& table)
     return cursors;
 }
 
+SeriesPtr MovedTexts(const SeriesPtr& column, const Cursor& cells, const RowPermutation& rows)
+{
+    if (!CanForgetTexts(*column)) {
+        return nullptr;
+    }
+    RawTexts moved = BuildRawTexts(cells->Length(), column->GetName());
+    if (moved.column != nullptr) {
+        rows.MoveTexts(CursorAs<CONTAINER_ARRAY, std::string>(cells).mHead, moved.cells);
+        ForgetTexts(*column);
+    }
+    return std::move(moved.column);
+}
+
 /// A new column in place of one that is wholly under a cursor; null without memory.
 SeriesPtr MovedColumn(const SeriesPtr& column, const Cursor& cells, const RowPermutation& rows)
 {
     try {
+        if (cells->GetAttr().typeId == TESSERA_STRING) {
+            return MovedTexts(column, cells, rows);
+        }
         SeriesPtr moved = BuildSeries(column->GetAttr(), column->GetName());
         const Cursor cursor = moved->GetIterator();
         if (cursor != nullptr && cursor->Length() == cells->Length()) {

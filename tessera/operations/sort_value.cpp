@@ -57,7 +57,6 @@ ErrorCode SortValueBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) co
 }
 
 template class SortValueBase<CONTAINER_ARRAY>;
-template class Unary<SortValueBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
-template class SortValue<CONTAINER_ARRAY, bool&>;
+template const UnaryTable<1> Unary<SortValueBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 
 } // namespace MERVO::Tessera::Func

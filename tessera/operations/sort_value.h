@@ -28,13 +28,12 @@ private:
  * @tparam ASCENDING how `ascending` is handed in: by value or reference.
  */
 template <ContainerID CID, typename ASCENDING>
-class TESSERA_API SortValue final : public SortValueBase<CID> {
+class SortValue final : public SortValueBase<CID> {
 public:
     explicit SortValue(ASCENDING isAscending) : SortValueBase<CID>(isAscending) {}
 };
 
-extern template class Unary<SortValueBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>;
+extern template const UnaryTable<1> Unary<SortValueBase<CONTAINER_ARRAY>, MutableArgs::DESTINATION>::transformTable;
 extern template class SortValueBase<CONTAINER_ARRAY>;
-extern template class SortValue<CONTAINER_ARRAY, bool&>;
 
 } // namespace MERVO::Tessera::Func

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <memory>
 
 #include "tessera/core/block.h"
 #include "tessera/operations/key_prefix.h"
@@ -23,10 +22,6 @@ constexpr unsigned int DEEPEST = 64;
 
 /// How many prefixes are made at a time, so that they stay in the cache meanwhile.
 constexpr std::size_t BLOCK = 512;
-
-struct ReleaseBlock {
-    void operator()(std::uint64_t* block) const { FreeBlock(block); }
-};
 
 /// Two rooms for a word per position, one behind the other for all positions.
 struct Rooms {
@@ -287,8 +282,7 @@ void OrderStably(
         return;
     }
     const StableOrder order(keys, ascending, positions, flags.data());
-    const std::unique_ptr<std::uint64_t[], ReleaseBlock> block(
-        static_cast<std::uint64_t*>(AllocateBlock(2 * positions.size(), sizeof(std::uint64_t))));
+    const Block<std::uint64_t> block = MakeBlock<std::uint64_t>(2 * positions.size());
     if (block == nullptr) {
         order.OrderByComparison(positions);
     } else {

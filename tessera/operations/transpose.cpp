@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -20,14 +21,13 @@ using TransposeKernel = void (*)(const Cursors& sources, const Cursors& results)
 template <typename T>
 void TransposeCells(const Cursors& sources, const Cursors& results)
 {
-    std::vector<typename Iterator<CONTAINER_ARRAY, T>::Position> heads;
-    for (const Cursor& source : sources) {
-        heads.push_back(CursorAs<CONTAINER_ARRAY, T>(source).mHead);
-    }
-    ForEachCell<T>(results, static_cast<std::uint32_t>(sources.size()),
-        [&heads](auto&& cell, std::uint32_t sourceColumn, std::uint32_t sourceRow) {
-            cell = *(heads[sourceColumn] + static_cast<std::ptrdiff_t>(sourceRow));
-        });
+    std::vector<typename Iterator<CONTAINER_ARRAY, T>::Position> heads(sources.size());
+    std::transform(sources.begin(), sources.end(), heads.begin(),
+        [](const Cursor& source) { return CursorAs<CONTAINER_ARRAY, T>(source).mHead; });
+    const auto copy = [&heads](auto&& cell, std::uint32_t sourceColumn, std::uint32_t sourceRow) {
+        cell = *(heads[sourceColumn] + static_cast<std::ptrdiff_t>(sourceRow));
+    };
+    CellVisit::Of<T>(copy).ForEachCell(results, static_cast<std::uint32_t>(sources.size()));
 }
 
 constexpr auto TRANSPOSE_KERNELS =

@@ -77,6 +77,7 @@ ErrorCode Unique<CID, INDEX>::OnExecute(const Cursor& cursor) const
 }
 
 template class Unique<CONTAINER_ARRAY, std::vector<std::uint32_t>&>;
-template class Nullary<Unique<CONTAINER_ARRAY, std::vector<std::uint32_t>&>, MutableArgs::SOURCE>;
+template const NullaryTable<1>
+    Nullary<Unique<CONTAINER_ARRAY, std::vector<std::uint32_t>&>, MutableArgs::SOURCE>::transformTable;
 
 } // namespace MERVO::Tessera::Func

@@ -18,6 +18,8 @@ namespace MERVO::Tessera::Func {
 template <ContainerID CID, typename INDEX>
 class TESSERA_API Unique final : public Nullary<Unique<CID, INDEX>, MutableArgs::SOURCE> {
 public:
+    static constexpr bool kValueTypesAlterKernel = false;
+
     explicit Unique(INDEX positions) : index(positions) {}
 
     std::string GetName() const override;
@@ -30,7 +32,8 @@ private:
     INDEX index;
 };
 
-extern template class Nullary<Unique<CONTAINER_ARRAY, std::vector<std::uint32_t>&>, MutableArgs::SOURCE>;
+extern template const NullaryTable<1>
+    Nullary<Unique<CONTAINER_ARRAY, std::vector<std::uint32_t>&>, MutableArgs::SOURCE>::transformTable;
 extern template class Unique<CONTAINER_ARRAY, std::vector<std::uint32_t>&>;
 
 } // namespace MERVO::Tessera::Func

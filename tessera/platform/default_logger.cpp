@@ -23,10 +23,12 @@ extern "C" __attribute__((weak)) void ORLELogStr(int level, const char* tag, con
     if (level > HighestLevelShown()) {
         return;
     }
+    ::flockfile(stderr); // a line of one thread stays whole
     std::fprintf(stderr, "[%s] ", tag);
     va_list arguments;
     va_start(arguments, format);
     std::vfprintf(stderr, format, arguments);
     va_end(arguments);
     std::fputc('\n', stderr);
+    ::funlockfile(stderr);
 }

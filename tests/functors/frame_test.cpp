@@ -82,6 +82,19 @@ public:
     }
 };
 
+/// As UnaryProbe, of one kernel for all types.
+template <MutableArgs... ARGS>
+class UntypedProbe final : public Unary<UntypedProbe<ARGS...>, ARGS...> {
+public:
+    static constexpr bool kValueTypesAlterKernel = false;
+    std::string GetName() const override { return "UntypedProbe"; }
+    template <typename...>
+    ErrorCode OnExecute(const Cursor&, const Cursor&) const
+    {
+        return NoteKernel<>();
+    }
+};
+
 template <MutableArgs... ARGS>
 class BinaryProbe final : public Binary<BinaryProbe<ARGS...>, ARGS...> {
 public:
@@ -148,6 +161,11 @@ TEST(TransformTable, PicksTheKernelByTheArgumentsThatAreNamed)
             ASSERT_EQ(UnaryProbe<SOURCE>::transformTable.size(), 14U);
             ASSERT_EQ(RowProbe::transformTable[entry], RowProbe::transformTable[static_cast<std::size_t>(source * 14)])
                 << "a row of kernels that ignore the destination is one kernel";
+            ASSERT_THAT(kernelOf(UntypedProbe<SOURCE, DESTINATION>().ProcessSeries(src, dst, true)), ElementsAre());
+            ASSERT_EQ((UntypedProbe<SOURCE, DESTINATION>::transformTable[entry]),
+                (UntypedProbe<SOURCE, DESTINATION>::transformTable[0]));
+            ASSERT_EQ(UntypedProbe<DESTINATION>::transformTable[static_cast<std::size_t>(other)],
+                UntypedProbe<DESTINATION>::transformTable[0]);
         }
     }
 }

@@ -1,5 +1,6 @@
 // Columns that are reduced side by side get the bits that each of them gets alone.
 
+#include <cmath>
 #include <limits>
 
 #include <gtest/gtest.h>
@@ -17,13 +18,15 @@ double CellOf(std::uint32_t column, Random& random)
     constexpr double NONE = std::numeric_limits<double>::quiet_NaN();
     constexpr double INF = std::numeric_limits<double>::infinity();
     const double number = (static_cast<double>(random.Below(2000001)) - 1e6) / 1024;
-    switch (column % 6) {
+    switch (column % 7) {
     case 1:
         return random.Below(9) == 0 ? NONE : number;
     case 2:
         return random.Below(40) == 0 ? (random.Below(2) == 0 ? INF : -INF) : number;
     case 3:
         return number * 1e306;
+    case 5: // down to the smallest magnitudes, where an operation loses digits
+        return std::ldexp(number, -static_cast<int>(random.Below(1090)));
     case 4:
         return random.Below(2) == 0 ? NONE : -NONE;
     default:
@@ -60,6 +63,12 @@ TEST(ColumnsAbreast, GetTheBitsOfEachAlone)
             HoldAgainstEachAlone<Func::Mean>(table);
             HoldAgainstEachAlone<Func::Var>(table, 1U);
             HoldAgainstEachAlone<Func::Std>(table, 0U);
+            for (const bool skipNan : {false, true}) {
+                for (const bool bias : {false, true}) {
+                    HoldAgainstEachAlone<Func::Skew>(table, skipNan, bias);
+                    HoldAgainstEachAlone<Func::Kurt>(table, skipNan, bias);
+                }
+            }
         }
     }
 }

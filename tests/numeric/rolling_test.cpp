@@ -1,5 +1,7 @@
 #include "tessera/numeric/rolling.h"
 
+#include <numeric>
+
 #include <gmock/gmock.h>
 
 #include "tessera/numeric/rolling_column.h"
@@ -216,8 +218,10 @@ TEST(Rolling, StaysWithinAShorterDestination)
 TEST(Rolling, MayWriteOverItsOwnColumn)
 {
     for (const bool center : {false, true}) {
-        const SeriesPtr column = Column<double>("a", {1, 2, 3, 4, 5, 6, 7});
-        const auto expected = RollModel<double>({1, 2, 3, 4, 5, 6, 7}, {3, center, 1}, false);
+        std::vector<double> cells(300);
+        std::iota(cells.begin(), cells.end(), 1.0);
+        const SeriesPtr column = Column<double>("a", cells);
+        const auto expected = RollModel(cells, {3, center, 1}, false);
         const Func::RollingRun run{{3, center, 1}, false, "", 2};
         EXPECT_EQ(Func::RollColumn(column->GetIterator(), column->GetIterator(), run, std::type_identity<double>{}), 0);
         EXPECT_EQ(CellsOf<double>(column->GetIterator()), expected);

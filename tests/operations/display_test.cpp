@@ -72,6 +72,9 @@ TEST(PrintedTable, KeepsItsLinesWhateverTheCells)
         0);
     const std::string text = Printed(table);
     EXPECT_NE(text.find("0  two lines\n"), std::string::npos) << text;
+    const DataFrame nested =
+        TableOf(Column<DataFrame>("tables", {TableOf(Column<int>("n", {1, 2, 3}))}), Column<float>("float", {0.1F}));
+    EXPECT_NE(Printed(nested).find("0    [3 x 1]    0.1\n"), std::string::npos) << Printed(nested);
     EXPECT_NE(text.find("1  " + umlauts + umlauts + umlauts + umlauts + umlauts + umlauts + umlauts + "...\n"),
         std::string::npos)
         << text;

@@ -179,7 +179,7 @@ TEST(RowFunctors, RefuseWhatDoesNotFit)
     check(__LINE__, 5, {}, [&] { return filter(range(list, 3), nullptr, false); });
     check(__LINE__, 5, {"the input data is Invalid"}, [&] {
         const Set none;
-        return Error{Func::DropRow<CONTAINER_ARRAY, const Set&>(none).OnExecute<float>(nullptr, range(room, 3)), {}};
+        return Error{Func::DropRow<CONTAINER_ARRAY, const Set&>(none).OnExecute<bool>(nullptr, range(room, 3)), {}};
     });
     check(__LINE__, 0, {"lhs or dst is empty"}, [&] { // nothing is taken, which is no failure
         return select({}, BuildSeries({0, CONTAINER_ARRAY, TESSERA_INT32}, {}));

@@ -67,7 +67,7 @@ links_of_documents_stand() {
         [[ $document == docs/README.md ]] || grep -qF "](${document#docs/})" docs/README.md ||
             { echo "docs/README.md does not link $document"; failed=1; }
     done
-    for document in *.md docs/*.md; do
+    for document in *.md docs/*.md docs/*/*.md; do
         while read -r target; do
             [[ -e $(dirname "$document")/$target ]] || { echo "$document links $target, which is not there"; failed=1; }
         done < <(grep -oE '\]\([^) ]+\.md' "$document" | cut -c 3-)
@@ -86,11 +86,16 @@ check "C host, CMake package" by_cmake c_host
 check "C++ host, CMake package" by_cmake cpp_host
 check "C host, pkg-config" by_pkg_config cc -std=c99 -pedantic tests/packaging/c_host/host.c
 check "C++ host, pkg-config" by_pkg_config c++ -std=c++20 tests/packaging/cpp_host/host.cpp
+for level in 0 2; do
+    check "every functor, compiled with -O$level" by_pkg_config \
+        c++ -std=c++20 "-O$level" tests/packaging/cpp_host/every_functor.cpp
+done
 check "the README's C program" document_program README.md c c cc -std=c99 -pedantic
 check "the README's C++ program" document_program README.md cpp cpp c++ -std=c++20
 for document in docs/*.md; do
     [[ $document == docs/README.md ]] || check "$document" document_program "$document" cpp cpp c++ -std=c++20
 done
+check "the comparison's page is what its recorded figures give" benchmarks/rivals/report.py check docs/benchmarks
 check "every page of the guide is in its index, and every link leads somewhere" links_of_documents_stand
 
 scripts/run_suite.py --record packaging $passed $failed
