@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "tessera/core/data_frame.h"
+#include "tessera/core/window_bounds.h"
 #include "tessera/functors/error_functors.h"
 #include "tessera/functors/table_combination.h"
 #include "tessera/operations/nan_counts.h"
@@ -124,6 +125,10 @@ bool DataFrame::DropNanRowThreshCheck(Positions& subset, ErrorCode& code) const
         LogError("Invalid DataFrame shape [%d, %d] error %d", static_cast<int>(RowCount()),
             static_cast<int>(ColumnCount()), error.code);
         code = error.code;
+        return false;
+    }
+    if (subset.empty() && IsFarBeyondColumns(*this)) {
+        code = ERROR_BAD_VALUE;
         return false;
     }
     if (subset.empty()) {

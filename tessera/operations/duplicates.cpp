@@ -58,7 +58,8 @@ Marks MarksBySorting(DataFrame& table, KeptRow kept)
 {
     bool ascending = true;
     bool sorted = true;
-    Positions order(table.RowCount());
+    const bool hasRows = table.GetSlicedIterator(table.GetColumn(0)) != nullptr; // as many as the window claims
+    Positions order(hasRows ? table.RowCount() : 0);
     std::iota(order.begin(), order.end(), 0U);
     using Sorting = Func::FunctorFactory<Func::SortIndex, Func::NullaryBase, Positions&, bool&, bool&>;
     if (!RunOverColumns(table, Sorting{order, ascending, sorted})) {
