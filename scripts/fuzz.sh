@@ -14,7 +14,7 @@ found=build/fuzz/found
 runTarget() { # SECONDS TARGET
     local seconds=$1 name=$2 inputs=build/fuzz/inputs/$2 log=build/fuzz/$2.log mode=(-max_total_time="$1")
     local program=build/fuzz/fuzz/${name}_fuzzer
-    mkdir -p "$inputs" "$found"
+    mkdir -p "$inputs" "$found" "fuzz/corpus/$name"
     ((seconds > 0)) || mode=(-runs=0)
     if ! "$program" "${limits[@]}" "${mode[@]}" -artifact_prefix="$found/$name-" -print_final_stats=1 \
         -dict=fuzz/text.dict "$inputs" "fuzz/corpus/$name" &> "$log"; then

@@ -12,10 +12,10 @@ namespace MERVO::Tessera {
  *
  * This is for elements that lie scattered over more memory than the caches hold. Of what is asked for the innermost
  * cache, only few lines can be on their way at a time; so a line is asked for the next cache first, early enough to
- * come from anywhere.
+ * come from anywhere. Both functions are taken as copies, which no write to an element can touch.
  */
 template <typename PlaceOf, typename Visit>
-void VisitScattered(std::size_t count, PlaceOf placeOf, Visit visit) // copies, which no write can touch
+void VisitScattered(std::size_t count, PlaceOf placeOf, Visit visit)
 {
     constexpr std::size_t FAR = 96;
     constexpr std::size_t NEAR = 16;

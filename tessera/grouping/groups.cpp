@@ -20,6 +20,12 @@ using Positions = std::vector<std::uint32_t>;
 BaseGroups::BaseGroups(SharedColumns&& sharedColumns, const std::vector<std::uint32_t>& keys)
     : keyColumns(keys), columns(std::move(sharedColumns)), processedColumns(columns)
 {
+    if (columns == nullptr) {
+        return;
+    }
+    DataFrame table; // names that are there twice are told apart now, not when threads read the columns that groups share
+    table.series = columns;
+    static_cast<void>(table.RefreshColumnName()); // those who need the names without memory hear of it
 }
 
 void BaseGroups::BeginGroups(const std::vector<std::uint8_t>& flags)

@@ -17,10 +17,6 @@ namespace {
 
 using Positions = std::span<const std::uint32_t>;
 
-/// Copying such cells would take memory that may not be there.
-template <typename T>
-constexpr bool OWNS_MEMORY = std::is_same_v<T, std::string> || std::is_same_v<T, DataFrame>;
-
 /// Whether copying a text needs no memory; then it takes less time than moving it.
 bool IsShort(const std::string& text)
 {
@@ -48,7 +44,7 @@ void MoveCell(T& to, T& from) noexcept
 template <typename T>
 void MoveCells(const Cursor& from, Positions positions, const Cursor& to)
 {
-    if constexpr (OWNS_MEMORY<T>) {
+    if constexpr (std::is_same_v<T, DataFrame>) { // copying such cells would take memory that may not be there
         T* const source = CursorAs<CONTAINER_ARRAY, T>(from).mHead;
         T* const target = CursorAs<CONTAINER_ARRAY, T>(to).mHead;
         VisitScattered(

@@ -21,7 +21,8 @@ public:
 
     /// Whether each row stays where it is.
     bool KeepsAll() const;
-    /// Fills a column of the same value type with the cells of another, which holds nothing of use afterwards.
+    /// Fills a column of the same value type, but not of texts, with the cells of another, which holds nothing of use
+    /// afterwards.
     void MoveInto(const Cursor& from, const Cursor& to) const noexcept;
     /// Constructs texts of those at the positions, which it destroys.
     void MoveTexts(std::string* from, std::string* to) const noexcept;

@@ -9,6 +9,7 @@
 #include "tests/functors/pairing.h"
 #include "tests/support/handle.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/same_tables.h"
 
 namespace MERVO::Tessera {
 namespace {
@@ -291,6 +292,38 @@ TEST(Rows, StayOrGoByFilterAndByList)
             EXPECT_EQ(chosen.GetColumnName(), table->GetColumnName());
             EXPECT_EQ(LettersOf(*table), "abcde");
         }
+    }
+}
+
+// All columns get their rows at once, in blocks; the functors take one column after the other.
+TEST(Rows, OfWholeTablesAreThoseOfTheFunctors)
+{
+    using namespace Func;
+    constexpr std::uint32_t ROWS = 65536 + 400;
+    constexpr std::size_t PLAIN_TYPES = TESSERA_DATAFRAME;
+    DataFrame::Columns columns;
+    [&columns]<std::size_t... I>(std::index_sequence<I...>)
+    {
+        (columns.push_back(Column<ValueTypes::At<I>>(VALUE_TYPE_NAMES[I], SampleValues<ValueTypes::At<I>>(ROWS))), ...);
+    }
+    (std::make_index_sequence<PLAIN_TYPES>{});
+    DataFrame table(std::move(columns));
+    Random random{8};
+    for (const std::uint32_t first : {0U, 3U}) { // as a whole, then as a window
+        table.SetRowIndex({first, ROWS});
+        for (const std::uint32_t percentage : {0U, 1U, 50U, 100U}) {
+            const DataFrame filter = Filter(Marks(random, ROWS - first, percentage));
+            DataFrame selected, dropped;
+            EXPECT_EQ(selected.ApplyInplace(FunctorFactory<SelectRowByBool, BinaryBase>{}, filter, table), 0);
+            EXPECT_EQ(dropped.ApplyInplace(FunctorFactory<DropRowByBool, BinaryBase>{}, filter, table), 0);
+            EXPECT_TRUE(IsSameTable(table.SelectRow(filter), selected)) << percentage;
+            EXPECT_TRUE(IsSameTable(table.DropRow(filter), dropped)) << percentage;
+        }
+        Positions positions(900);
+        std::generate(positions.begin(), positions.end(), [&] { return random.Below(ROWS - first); });
+        DataFrame taken;
+        EXPECT_EQ(taken.ApplyInplace(FunctorFactory<SelectRow, UnaryBase, const Positions&>{positions}, table), 0);
+        EXPECT_TRUE(IsSameTable(table.SelectRow(positions), taken));
     }
 }
 

@@ -264,7 +264,7 @@ const Positions KEY_LISTS[] = {{0}, {11}, {9, 10}, {0, 2}, {0, 11, 12}, {3, 0, 1
 TEST(Tables, AreSortedByTheirKeysAsTablesAndAsWindows)
 {
     const LogCapture log;
-    for (const std::uint32_t rows : {1U, 60U}) {
+    for (const std::uint32_t rows : {1U, 60U, 400U}) {
         for (const Positions& keys : KEY_LISTS) {
             for (const bool ascending : {true, false}) {
                 const DataFrame source = RandomTable(keys.size() + rows, rows);
