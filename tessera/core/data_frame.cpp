@@ -11,6 +11,23 @@ namespace {
 
 constexpr unsigned int WHOLE_TABLE = 0xFFFFFFFFU;
 
+DataFrame WithoutMemory()
+{
+    DataFrame failed;
+    KeepNoMemory(failed);
+    return failed;
+}
+
+/// The column of a number in a table of new ones. Throws std::bad_alloc.
+SeriesPtr NewColumn(const SeriesAttr& attr, unsigned int number)
+{
+    SeriesPtr column = BuildSeries(attr, "col_" + std::to_string(number));
+    if (IsValueType(attr.typeId) && IsContainer(attr.containerId) && column->GetIterator() == nullptr) {
+        throw std::bad_alloc();
+    }
+    return column;
+}
+
 } // namespace
 
 DataFrame::DataFrame(Columns&& columns)
@@ -106,17 +123,19 @@ DataFrameRef DataFrame::operator[](unsigned int row) const
 }
 
 DataFrame GetEmptyDataFrame(std::array<unsigned int, 2> shape, MERVO_TESSERA_TYPEID type)
-{
+try {
     DataFrame::Columns columns;
     columns.reserve(shape[1]);
     for (unsigned int c = 0; c < shape[1]; ++c) {
-        columns.push_back(BuildSeries({shape[0], CONTAINER_ARRAY, type}, "col_" + std::to_string(c)));
+        columns.push_back(NewColumn({shape[0], CONTAINER_ARRAY, type}, c));
     }
     return DataFrame(std::move(columns));
+} catch (...) { // no memory
+    return WithoutMemory();
 }
 
 DataFrame GetEmptyDataFrame(const DataFrameRef& like)
-{
+try {
     if (IsFarBeyondColumns(like)) {
         DataFrame failed;
         failed.SetError({ERROR_BAD_VALUE, "The window is beyond the columns."});
@@ -127,9 +146,11 @@ DataFrame GetEmptyDataFrame(const DataFrameRef& like)
     for (unsigned int c = 0; c < like.ColumnCount(); ++c) {
         const SeriesPtr& column = like.GetColumn(c);
         const SeriesAttr attr = column == nullptr ? SeriesAttr{} : WithLength(column->GetAttr(), like.RowCount());
-        columns.push_back(BuildSeries(attr, "col_" + std::to_string(c)));
+        columns.push_back(NewColumn(attr, c));
     }
     return DataFrame(std::move(columns));
+} catch (...) { // no memory
+    return WithoutMemory();
 }
 
 } // namespace MERVO::Tessera

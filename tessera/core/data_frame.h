@@ -510,7 +510,7 @@ private:
     void RemoveRedundantOnApply(const Landing& landing);
 };
 
-/// A table of shape[1] columns of shape[0] rows of one value type, in arrays, named "col_0", "col_1" and so on.
+/// A table of shape[1] columns of shape[0] rows of one type, in arrays, named "col_0" and so on; 3 without memory.
 TESSERA_API DataFrame GetEmptyDataFrame(std::array<unsigned int, 2> shape, MERVO_TESSERA_TYPEID type);
 /// A table of new columns like those of a window, as long as the window, named "col_0" and so on; values are not kept.
 TESSERA_API DataFrame GetEmptyDataFrame(const DataFrameRef& like);

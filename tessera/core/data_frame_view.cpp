@@ -68,11 +68,7 @@ void DataFrameView::ShareColumnsOf(const DataFrameView& other) noexcept
 
 Cursor DataFrameView::GetSlicedIterator(const SeriesPtr& column) const
 {
-    // A column may have been replaced by a shorter one since this window was cut.
-    if (column == nullptr || rowIndex[0] > rowIndex[1] || rowIndex[1] > column->Size()) {
-        return nullptr;
-    }
-    return column->GetIterator(rowIndex[0], rowIndex[1]);
+    return HasRows(*this, column) ? column->GetIterator(rowIndex[0], rowIndex[1]) : nullptr;
 }
 
 const SeriesPtr& DataFrameView::GetColumn(unsigned int k) const

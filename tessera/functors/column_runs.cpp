@@ -2,6 +2,8 @@
 
 #include <new>
 
+#include "tessera/core/window_bounds.h"
+
 namespace MERVO::Tessera::Func {
 
 namespace {
@@ -10,9 +12,7 @@ namespace {
 Cursor CursorOn(const DataFrameRef& window, const SeriesPtr& column)
 {
     Cursor cursor = window.GetSlicedIterator(column);
-    const DataFrameRef::Range& rows = window.GetRowIndex();
-    if (cursor == nullptr && column != nullptr && IsValueType(column->GetTypeId()) && rows[0] <= rows[1] &&
-        rows[1] <= column->Size()) {
+    if (cursor == nullptr && HasRows(window, column) && IsValueType(column->GetTypeId())) {
         throw std::bad_alloc();
     }
     return cursor;

@@ -1,6 +1,6 @@
 #include "tessera/functors/table_operators.h"
-#include "tessera/core/flat_call.h"
 
+#include "tessera/core/flat_call.h"
 #include "tessera/functors/apply_func.h"
 #include "tessera/functors/arithmetic.h"
 #include "tessera/functors/comparison.h"
@@ -60,7 +60,8 @@ try {
     const Func::FunctorFactory<Func::ApplyFunc, Func::UnaryBase, Func::BoolStep&> across(step);
     return columns.ApplyInplace(UnaryFactory(across), columns) == ERROR_NONE && answer;
 } catch (...) { // no memory
-    return TellNoMemory("Any or All") == ERROR_NONE;
+    static_cast<void>(TellNoMemory("Any or All"));
+    return false;
 }
 
 } // namespace

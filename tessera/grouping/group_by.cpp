@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "tessera/core/data_frame.h"
+#include "tessera/core/window_bounds.h"
 #include "tessera/functors/column_runs.h"
 #include "tessera/functors/functor_factory.h"
 #include "tessera/grouping/groups.h"
@@ -93,7 +94,7 @@ Groups DataFrame::GroupByKeys(
     unsigned int keyCount, const unsigned int* keys, bool inPlace, bool ascending, bool sorted)
 {
     for (unsigned int k = 0; k < keyCount; ++k) { // before room is made for the rows that the window claims
-        if (GetSlicedIterator(GetColumn(keys[k])) == nullptr) {
+        if (!HasRows(*this, GetColumn(keys[k]))) {
             LogError("Failed to group by key %d, error %d", static_cast<int>(keys[k]), ERROR_BAD_VALUE);
             return {};
         }

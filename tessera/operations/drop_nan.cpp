@@ -62,7 +62,7 @@ DataFrame DropRowsByNans(const DataFrame& table, const Positions& positions, std
         sources.emplace_back(column);
     }
     const DataFrame filter = GetEmptyDataFrame({table.RowCount(), 1}, TESSERA_BOOL);
-    const Cursor marks = filter.GetColumn(0)->GetIterator();
+    const Cursor marks = filter.GetSlicedIterator(filter.GetColumn(0));
     if (marks == nullptr) {
         return FailedTable(ERROR_OUT_OF_MEMORY, texts.noMemory);
     }
@@ -83,6 +83,9 @@ DataFrame DropColumnsByNans(const DataFrame& table, std::uint32_t limit, bool dr
         }
     }
     DataFrame filter = GetEmptyDataFrame({1, table.ColumnCount()}, TESSERA_BOOL);
+    if (filter.GetError().code != ERROR_NONE) {
+        return FailedTable(ERROR_OUT_OF_MEMORY, failure);
+    }
     for (unsigned int k = 0; k < table.ColumnCount(); ++k) {
         const Cursor column = table.GetSlicedIterator(table.GetColumn(k));
         if (column == nullptr) {

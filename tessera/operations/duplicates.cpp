@@ -7,6 +7,7 @@
 #include "tessera/core/bit_bytes.h"
 #include "tessera/core/data_frame.h"
 #include "tessera/core/flat_call.h"
+#include "tessera/core/window_bounds.h"
 #include "tessera/functors/apply_nullary.h"
 #include "tessera/functors/column_runs.h"
 #include "tessera/functors/functor_factory.h"
@@ -58,8 +59,7 @@ Marks MarksBySorting(DataFrame& table, KeptRow kept)
 {
     bool ascending = true;
     bool sorted = true;
-    const bool hasRows = table.GetSlicedIterator(table.GetColumn(0)) != nullptr; // as many as the window claims
-    Positions order(hasRows ? table.RowCount() : 0);
+    Positions order(HasRows(table, table.GetColumn(0)) ? table.RowCount() : 0); // else the functor refuses
     std::iota(order.begin(), order.end(), 0U);
     using Sorting = Func::FunctorFactory<Func::SortIndex, Func::NullaryBase, Positions&, bool&, bool&>;
     if (!RunOverColumns(table, Sorting{order, ascending, sorted})) {

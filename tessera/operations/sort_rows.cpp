@@ -6,6 +6,7 @@
 #include "tessera/core/data_frame.h"
 #include "tessera/core/flat_call.h"
 #include "tessera/core/raw_texts.h"
+#include "tessera/core/window_bounds.h"
 #include "tessera/functors/column_runs.h"
 #include "tessera/functors/functor_factory.h"
 #include "tessera/operations/row_permutation.h"
@@ -119,8 +120,7 @@ ErrorCode DataFrameRef::SortByPositions(const Positions& keys, bool ascending)
         }
     }
     Positions index;
-    if (GetSlicedIterator(GetColumn(order.back())) !=
-        nullptr) { // else the functor refuses, however many rows there are
+    if (HasRows(*this, GetColumn(order.back()))) { // else the functor refuses, however many the window claims
         index.resize(RowCount());
         std::iota(index.begin(), index.end(), 0U);
     }
