@@ -194,8 +194,11 @@ bool ReduceAbreast(
     if (!isServed) {
         return false;
     }
-    for (std::size_t first = 0; first < sources.size(); first += COLUMNS_ABREAST) {
-        const std::size_t count = std::min(COLUMNS_ABREAST, sources.size() - first);
+    // A few columns left over would take as much time for their additions as many do: all go in equal parts.
+    const std::size_t parts = (sources.size() + COLUMNS_ABREAST - 1) / COLUMNS_ABREAST;
+    const std::size_t most = (sources.size() + parts - 1) / parts;
+    for (std::size_t first = 0; first < sources.size(); first += most) {
+        const std::size_t count = std::min(most, sources.size() - first);
         ColumnsAbreast columns{{}, count, length};
         for (std::size_t k = 0; k < count; ++k) {
             columns.heads[k] = CursorAs<CONTAINER_ARRAY, double>(sources[first + k]).mHead;
