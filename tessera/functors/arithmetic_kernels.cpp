@@ -4,6 +4,7 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <new>
 #include <string>
 #include <type_traits>
 
@@ -184,6 +185,10 @@ void CombineNested(const void* left, const void* right, void* result, std::uint3
     const BinaryFactory factory = FunctorFactory<Functor, BinaryBase>{};
     for (std::uint32_t i = 0; i < count; ++i) {
         *results[i] = CombineTables(factory, *lefts[i], *rights[i]);
+        if (results[i]->GetError().code == ERROR_OUT_OF_MEMORY && lefts[i]->GetError().code == ERROR_NONE &&
+            rights[i]->GetError().code == ERROR_NONE) {
+            throw std::bad_alloc(); // or the column would seem to be whole
+        }
     }
 }
 

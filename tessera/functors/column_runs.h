@@ -76,7 +76,7 @@ Error ComputeColumn(const Run& run, const SeriesAttr& attr, SeriesPtr& result)
 {
     result = BuildSeries(attr, run.ColumnName());
     const Cursor cursor = result->GetIterator();
-    if (cursor == nullptr && result->GetTypeId() != TESSERA_INVALID) {
+    if (cursor == nullptr && IsValueType(attr.typeId) && IsContainer(attr.containerId)) {
         return {ERROR_OUT_OF_MEMORY, "out of memory on building series for functor: " + run.Name()};
     }
     return run.Process(cursor);

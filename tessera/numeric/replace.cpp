@@ -7,9 +7,11 @@
 #include <string>
 
 #include "tessera/core/date_time.h"
+#include "tessera/core/memory_room.h"
 #include "tessera/functors/cast_kernels.h"
 #include "tessera/functors/cell_blocks.h"
 #include "tessera/functors/cell_conversion.h"
+#include "tessera/functors/element_walk.h"
 
 namespace MERVO::Tessera::Func {
 namespace {
@@ -125,6 +127,19 @@ bool IsNan(const void* cell, MERVO_TESSERA_TYPEID type)
         (type == TESSERA_DOUBLE && std::isnan(*static_cast<const double*>(cell)));
 }
 
+/// Whether a text can stand for all that it is to replace. They are counted only where it is long for so many cells.
+bool HasRoomForTexts(const Cursor& src, const void* oldValue, const void* newValue)
+{
+    const auto& sought = *static_cast<const std::string*>(oldValue);
+    const auto& substitute = *static_cast<const std::string*>(newValue);
+    if (HasRoomFor(src->Length(), substitute.size())) {
+        return true;
+    }
+    std::uint64_t found = 0;
+    ForEachElement<std::string>(src, [&](const std::string& text) { found += text == sought ? 1 : 0; });
+    return HasRoomFor(found, substitute.size());
+}
+
 ErrorCode ReplaceCells(
     const Cursor& src, const Cursor& dst, const ReplaceArgument& oldArgument, const ReplaceArgument& newArgument)
 {
@@ -146,6 +161,9 @@ ErrorCode ReplaceCells(
     code = newValue.Convert(newArgument, type);
     if (code != ERROR_NONE) {
         return code;
+    }
+    if (type == TESSERA_STRING && !HasRoomForTexts(src, oldValue.Cell(), newValue.Cell())) {
+        return ERROR_OUT_OF_MEMORY;
     }
     ForEachBlock(src, dst, [&](const void* cells, void* results, std::uint32_t count) {
         replace(cells, results, count, oldValue.Cell(), newValue.Cell());

@@ -7,6 +7,7 @@
 #include "tessera/core/table_reader.h"
 #include "tessera/functors/copy_series.h"
 #include "tessera/functors/functor_factory.h"
+#include "tessera/functors/table_combination.h"
 
 namespace MERVO::Tessera {
 namespace {
@@ -75,7 +76,7 @@ Error Refusal(const DataFrameRef& table)
 } // namespace
 
 DataFrame DataFrameRef::Transpose() const
-{
+try {
     const Error refusal = Refusal(*this);
     if (refusal.code != ERROR_NONE) {
         return Failed(refusal.code, refusal.message);
@@ -104,6 +105,8 @@ DataFrame DataFrameRef::Transpose() const
     }
     TRANSPOSE_KERNELS[static_cast<std::size_t>(attr.typeId)](sources, results);
     return DataFrame(std::move(columns));
+} catch (...) { // no memory
+    return Func::TableWithoutMemory("Transpose");
 }
 
 } // namespace MERVO::Tessera
