@@ -58,6 +58,9 @@ inline double DeviationFrom(double mean, double value)
 /// The powers of a deviation that make the third and the second central moment: each is divided on its own.
 struct Moments {
     static constexpr double SMALLEST_SQUARE = 0x1p-600; ///< the cube of its root is CountDivisor::FUSED_FROM
+    /// From a mean of this magnitude no number but itself is nearer than 2^-54 times that, so that no square is smaller
+    /// than SMALLEST_SQUARE but zeros.
+    static constexpr double FAR_MEAN = 0x1p-245;
 
     static SumPair Of(double deviation)
     {
@@ -65,9 +68,11 @@ struct Moments {
         return {deviation * square, square};
     }
     template <bool HAS_FUSED, typename Size>
-    [[gnu::always_inline]] static void Divide(const CountDivisor& count, Size size, double* cubes, double* squares)
+    [[gnu::always_inline]] static void Divide(
+        const CountDivisor& count, double mean, Size size, double* cubes, double* squares)
     {
-        const bool isFused = HAS_FUSED && AreZeroOrAtLeast(SMALLEST_SQUARE, squares, size);
+        const bool isFused =
+            HAS_FUSED && (std::abs(mean) >= FAR_MEAN || AreZeroOrAtLeast(SMALLEST_SQUARE, squares, size));
         DivideEach<HAS_FUSED>(count, isFused, cubes, size, cubes);
         DivideEach<HAS_FUSED>(count, isFused, squares, size, squares);
     }
@@ -81,7 +86,7 @@ struct EvenPowers {
         return {square * square, square};
     }
     template <bool HAS_FUSED, typename Size>
-    static void Divide(const CountDivisor&, Size, double*, double*)
+    static void Divide(const CountDivisor&, double, Size, double*, double*)
     {
     }
 };
@@ -209,7 +214,7 @@ struct MeasureShape {
                 firsts[i] = powers.first;
                 seconds[i] = powers.second;
             }
-            Powers::template Divide<Adder::HAS_FUSED>(divisors[k], count, firsts, seconds);
+            Powers::template Divide<Adder::HAS_FUSED>(divisors[k], means[k], count, firsts, seconds);
         });
         Abreast shapes;
         for (std::size_t k = 0; k < columns.count; ++k) {
