@@ -10,9 +10,6 @@
 namespace MERVO::Tessera::Func {
 namespace {
 
-/// Of a column of so many bytes, the first have left the inner caches when the last ones are written.
-constexpr std::size_t STREAMED_FROM = std::size_t{1} << 20;
-
 /// The bytes of a cell as kernels see it; 0 for cells of which they see the address.
 constexpr auto VALUE_SIZES = ForEachValueType([](auto number) -> std::size_t {
     using T = ValueTypes::At<number()>;

@@ -20,9 +20,6 @@ constexpr unsigned int MOST_ROWS = 1024;
 using Cursors = std::vector<Cursor>;
 using TransposeKernel = void (*)(const Cursors& sources, const Cursors& results);
 
-/// The bytes of cells from which results go past the caches.
-constexpr std::size_t STREAMED_FROM = std::size_t{1} << 20;
-
 std::vector<std::byte*> HeadsOf(const Cursors& columns)
 {
     std::vector<std::byte*> heads(columns.size());

@@ -8,6 +8,9 @@
 /// alters, and drives another one out.
 namespace MERVO::Tessera {
 
+/// The bytes from which a result is streamed. Smaller ones are still in a cache that is shared, for whoever reads them.
+inline constexpr std::size_t STREAMED_FROM = std::size_t{4} << 20;
+
 #ifdef TESSERA_WIDE_VECTOR_BYTES
 inline bool HasStreamingStores() { return HasWideVectors(); }
 /// Copies bytes between places that don't overlap, lines of the cache past it. Other threads are sure to see them after

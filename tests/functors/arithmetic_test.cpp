@@ -350,7 +350,7 @@ std::vector<T> Counting(std::size_t count)
 template <typename T>
 void ExpectSumsOfLargeWindows()
 {
-    constexpr auto ROWS = static_cast<unsigned int>((std::size_t{1} << 20) / sizeof(T) + 1000);
+    constexpr auto ROWS = static_cast<unsigned int>((std::size_t{4} << 20) / sizeof(T) + 1000);
     for (const unsigned int first : {0U, 1U, 3U, 8U}) {
         std::vector<T> cells = Counting<T>(ROWS);
         DataFrame base = TableOf(Column<T>("n", cells));
@@ -366,7 +366,6 @@ void ExpectSumsOfLargeWindows()
 
 TEST(ArithmeticOperator, WritesLargeWindowsFromAnyRowOn)
 {
-    ExpectSumsOfLargeWindows<std::int8_t>();
     ExpectSumsOfLargeWindows<std::int32_t>();
     ExpectSumsOfLargeWindows<double>();
 }
