@@ -12,6 +12,7 @@
 #include "tessera/functors/cell_blocks.h"
 #include "tessera/functors/cell_conversion.h"
 #include "tessera/functors/element_walk.h"
+#include "tessera/platform/multiversion.h"
 
 namespace MERVO::Tessera::Func {
 namespace {
@@ -32,15 +33,28 @@ using ReplaceKernel = void (*)(
     const void* cells, void* results, std::uint32_t count, const void* oldValue, const void* newValue);
 
 template <typename T>
+[[gnu::always_inline]] inline void ReplaceEach(const T* from, T* to, std::uint32_t count, T sought, T substitute)
+{
+    for (std::uint32_t i = 0; i < count; ++i) {
+        to[i] = IsOld(from[i], sought) ? substitute : from[i];
+    }
+}
+
+template <typename T>
+TESSERA_WIDE_VECTORS void ReplaceEachWide(const T* from, T* to, std::uint32_t count, T sought, T substitute)
+{
+    ReplaceEach(from, to, count, sought, substitute);
+}
+
+template <typename T>
 void ReplaceNumbers(const void* cells, void* results, std::uint32_t count, const void* oldValue, const void* newValue)
 {
     const auto* from = static_cast<const T*>(cells);
     auto* to = static_cast<T*>(results);
     const T sought = *static_cast<const T*>(oldValue);
     const T substitute = *static_cast<const T*>(newValue);
-    for (std::uint32_t i = 0; i < count; ++i) {
-        to[i] = IsOld(from[i], sought) ? substitute : from[i];
-    }
+    HasWideVectors() ? ReplaceEachWide(from, to, count, sought, substitute)
+                     : ReplaceEach(from, to, count, sought, substitute);
 }
 
 void ReplaceTexts(const void* cells, void* results, std::uint32_t count, const void* oldValue, const void* newValue)
@@ -165,7 +179,7 @@ ErrorCode ReplaceCells(
     if (type == TESSERA_STRING && !HasRoomForTexts(src, oldValue.Cell(), newValue.Cell())) {
         return ERROR_OUT_OF_MEMORY;
     }
-    ForEachBlock(src, dst, [&](const void* cells, void* results, std::uint32_t count) {
+    ForEachBlock(src, dst, true, [&](const void* cells, void* results, std::uint32_t count) {
         replace(cells, results, count, oldValue.Cell(), newValue.Cell());
     });
     return ERROR_NONE;
