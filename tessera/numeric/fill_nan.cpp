@@ -4,24 +4,22 @@
 
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
+#include "tessera/functors/cell_blocks.h"
 #include "tessera/functors/copy_series.h"
 #include "tessera/numeric/gaps.h"
 
 namespace MERVO::Tessera::Func {
 namespace {
 
-/// Copies elements, each NaN as what was written last; a NaN in front stays.
-template <typename From, typename To>
-void CarryOn(From from, To to, std::uint32_t count)
+/// Copies elements, each NaN as what was written last, which is `last` at first. Gives what was written last.
+template <typename Real, typename From, typename To>
+Real CarryOn(From from, To to, std::uint32_t count, Real last)
 {
-    if (count == 0) {
-        return;
-    }
-    auto last = *from;
     for (std::uint32_t i = 0; i < count; ++i) {
         last = from[i] == from[i] ? from[i] : last;
         to[i] = last;
     }
+    return last;
 }
 
 ErrorCode RefuseType(bool isForward, const char* type, bool isArray)
@@ -59,10 +57,16 @@ ErrorCode FillNanBase<CID>::OnExecuteSIMD(const Cursor& src, const Cursor& dst) 
         const T* const from = CursorAs<CONTAINER_ARRAY, T>(src).mHead;
         T* const to = CursorAs<CONTAINER_ARRAY, T>(dst).mHead;
         const std::uint32_t count = std::min(src->Length(), dst->Length());
+        if (count == 0) {
+            return ERROR_NONE;
+        }
         if (isForward) {
-            CarryOn(from, to, count);
+            T last = *from; // a NaN in front stays
+            ForEachBlock(src, dst, true, [&last](const void* cells, void* results, std::uint32_t length) {
+                last = CarryOn(static_cast<const T*>(cells), static_cast<T*>(results), length, last);
+            });
         } else {
-            CarryOn(std::reverse_iterator(from + count), std::reverse_iterator(to + count), count);
+            CarryOn(std::reverse_iterator(from + count), std::reverse_iterator(to + count), count, from[count - 1]);
         }
         return ERROR_NONE;
     } else {

@@ -1,7 +1,7 @@
 #include "tessera/numeric/replace_nan.h"
 
+#include "tessera/functors/cell_blocks.h"
 #include "tessera/functors/cell_conversion.h"
-#include "tessera/functors/cell_runs.h"
 #include "tessera/functors/copy_series.h"
 
 namespace MERVO::Tessera::Func {
@@ -39,10 +39,11 @@ ErrorCode ParseAndReplace(const std::string& text, const Cursor& src, const Curs
         return TellRefusedText<Number>(text);
     }
     if constexpr (std::is_floating_point_v<T>) {
-        return ForEachRun(src, dst, [value = static_cast<T>(number)](const void* from, void* to, std::uint32_t count) {
+        const auto value = static_cast<T>(number);
+        ForEachBlock(src, dst, true, [value](const void* from, void* to, std::uint32_t count) {
             ReplaceEach(static_cast<const T*>(from), static_cast<T*>(to), count, value);
-            return ERROR_NONE;
         });
+        return ERROR_NONE;
     } else {
         return Copy(src, dst);
     }
