@@ -1,5 +1,7 @@
 #include "tessera/functors/column_runs.h"
 
+#include "tessera/core/raw_texts.h"
+
 namespace MERVO::Tessera::Func {
 
 ContainerID ContainerOf(const SeriesPtr& column)
@@ -36,6 +38,15 @@ std::vector<SeriesPtr> UnaryRun::ReduceTogether()
         results.push_back(columns.back()->GetIterator());
     }
     return reducer.ReduceColumns(cells, results) ? std::move(columns) : std::vector<SeriesPtr>();
+}
+
+SeriesPtr UnaryRun::MakeTexts() const
+{
+    RawTexts texts = BuildRawTexts(cursor->Length(), name);
+    if (texts.column != nullptr) {
+        functor->MakeTexts(cursor, texts.cells);
+    }
+    return std::move(texts.column);
 }
 
 ContainerID BinaryRun::SourceContainer(unsigned int k) const
