@@ -4,6 +4,7 @@
 #include <new>
 
 #include "tessera/core/kept_blocks.h"
+#include "tessera/core/memory_room.h"
 
 #ifdef __linux__
 #include <sys/mman.h>
@@ -38,8 +39,9 @@ void AdviseHugePages([[maybe_unused]] void* block, [[maybe_unused]] std::size_t 
 
 void* AllocateFresh(std::size_t bytes) noexcept
 {
+    constexpr std::size_t LARGE = std::size_t{64} << 20;
     const std::size_t lead = LeadOf(bytes);
-    if (bytes > PTRDIFF_MAX - lead) {
+    if (bytes > PTRDIFF_MAX - lead || (bytes >= LARGE && !HasRoomFor(bytes, 1))) {
         return nullptr;
     }
     void* const start = ::operator new (lead + bytes, std::align_val_t{lead}, std::nothrow);

@@ -15,8 +15,10 @@ using SeriesCreator = SeriesPtr (*)(const SeriesAttr&);
 
 template <MERVO_TESSERA_TYPEID TYPE_ID, ContainerID CID>
 SeriesPtr SeriesCreatorFunc(const SeriesAttr& attr)
-{
+try {
     return SeriesPtr(new (std::nothrow) Series<ValueTypes::At<TYPE_ID>, CID>(attr));
+} catch (const std::bad_alloc&) { // for a node of a list
+    return nullptr;
 }
 
 constexpr auto SERIES_CREATORS = ForEachValueType([](auto number) {

@@ -34,11 +34,12 @@ public:
     /// Takes the columns. They must have one length, else the table holds 15.
     explicit DataFrame(Columns&& columns);
     DataFrame(DataFrame&& other) noexcept = default;
+    /// To copy a table, or to assign a copy, throws std::bad_alloc where memory is short.
     DataFrame(const DataFrame& other);
     DataFrame(const DataFrameRef& other);
 
     virtual DataFrame& operator=(const DataFrame& other);
-    virtual DataFrame& operator=(DataFrame&& other);
+    virtual DataFrame& operator=(DataFrame&& other) noexcept;
     DataFrame& operator=(const DataFrameRef& other);
     /**
      * Assigns a slice. One that selects columns of this very table, with all its rows, moves them: this table keeps
@@ -425,6 +426,8 @@ public:
     DataFrame PivotTable(const TableParams& params, const UnaryFactory& creator, T fill) const;
 
 private:
+    void CopyOrThrow(const DataFrame& other);
+
     friend class ColumnLoader;
     friend class BaseGroups; // which shares the columns
 
@@ -507,7 +510,7 @@ private:
     void RemoveRedundantOnApply(const Landing& landing);
 };
 
-/// A table of shape[1] columns of shape[0] rows of one value type, in arrays, named "col_0", "col_1" and so on.
+/// A table of shape[1] columns of shape[0] rows of one type, in arrays, named "col_0" and so on; 3 without memory.
 TESSERA_API DataFrame GetEmptyDataFrame(std::array<unsigned int, 2> shape, MERVO_TESSERA_TYPEID type);
 /// A table of new columns like those of a window, as long as the window, named "col_0" and so on; values are not kept.
 TESSERA_API DataFrame GetEmptyDataFrame(const DataFrameRef& like);

@@ -1,4 +1,5 @@
 #include "tessera/core/data_frame_ref.h"
+#include "tessera/core/flat_call.h"
 
 namespace MERVO::Tessera {
 namespace {
@@ -25,7 +26,7 @@ DataFrameRef DataFrameRef::FailedSlice(ErrorCode code, const std::string& messag
 }
 
 DataFrameRef DataFrameRef::Slice(Range rows, Range columns) const
-{
+try {
     if (error.code != ERROR_NONE) {
         LogError("Invalid dataFrame %d for slice", error.code);
         return FailedSlice(error.code, error.message);
@@ -46,6 +47,8 @@ DataFrameRef DataFrameRef::Slice(Range rows, Range columns) const
     slice.colIndex = newColumns;
     slice.isColNameDirty = true;
     return slice;
+} catch (...) { // no memory
+    return FailedSlice(ERROR_OUT_OF_MEMORY, "out of memory");
 }
 
 DataFrameRef DataFrameRef::Slice(unsigned int axis, Range range) const
@@ -70,13 +73,15 @@ bool DataFrameRef::FindColumn(const std::string& name, unsigned int& place, Erro
 }
 
 DataFrameRef DataFrameRef::Slice(Range rows, NameRange columns) const
-{
+try {
     Range places{};
     Error failure;
     if (!FindColumn(columns[0], places[0], failure) || !FindColumn(columns[1], places[1], failure)) {
         return FailedSlice(failure.code, failure.message);
     }
     return Slice(rows, places);
+} catch (...) { // no memory
+    return FailedSlice(ERROR_OUT_OF_MEMORY, "out of memory");
 }
 
 DataFrameRef DataFrameRef::operator[](Range columns) const { return Slice(1U, columns); }
@@ -95,7 +100,7 @@ DataFrameRef DataFrameRef::operator[](unsigned int column) const
 }
 
 DataFrameRef DataFrameRef::operator[](const char* name) const
-{
+try {
     if (name == nullptr) {
         return FailedSlice(ERROR_BAD_VALUE, "Column name cannot be nullptr in operator [].");
     }
@@ -105,10 +110,12 @@ DataFrameRef DataFrameRef::operator[](const char* name) const
         return FailedSlice(failure.code, failure.message);
     }
     return Slice(1U, Range{place, place + 1});
+} catch (...) { // no memory
+    return FailedSlice(ERROR_OUT_OF_MEMORY, "out of memory");
 }
 
 ErrorCode DataFrameRef::GetIndexVector(std::vector<std::uint32_t>& index, const std::vector<std::string>& names) const
-{
+try {
     index.resize(names.size());
     const auto positions = GetNameToIndex();
     if (positions == nullptr) {
@@ -123,6 +130,8 @@ ErrorCode DataFrameRef::GetIndexVector(std::vector<std::uint32_t>& index, const 
         index[i] = found->second;
     }
     return ERROR_NONE;
+} catch (...) { // no memory
+    return TellNoMemory("GetIndexVector");
 }
 
 MERVO_TESSERA_TYPEID DataFrameRef::Type() const

@@ -2,9 +2,52 @@
 
 #include <new>
 #include <set>
+#include <string_view>
 #include <utility>
 
+#include "tessera/core/flat_call.h"
+#include "tessera/core/memory_room.h"
+#include "tessera/core/window_bounds.h"
+
 namespace MERVO::Tessera {
+namespace {
+
+/// Finds names that no column has. Of many equal ones it does not try again what was taken before: thousands would
+/// take hours. Their lengths add up to the square of their number, so those are watched too.
+class TakenNames {
+public:
+    explicit TakenNames(const DataFrameView::NameMap& taken) : names(taken) {}
+
+    std::string FreeNameFrom(std::string name)
+    {
+        if (names.count(name) == 0) {
+            return name;
+        }
+        constexpr std::string_view SUFFIX = "_1"; // the count of uses, which never passes 1
+        std::size_t& count = suffixCounts[name];
+        const std::uint64_t added = std::uint64_t{SUFFIX.size()} * (count + 1);
+        addedBytes += 2 * added; // in the map and in the column
+        if (!HasRoomFor(addedBytes, 1)) {
+            throw std::bad_alloc();
+        }
+        name.reserve(name.size() + static_cast<std::size_t>(added));
+        for (std::size_t i = 0; i < count; ++i) {
+            name += SUFFIX;
+        }
+        do {
+            name += SUFFIX;
+            ++count;
+        } while (names.count(name) != 0);
+        return name;
+    }
+
+private:
+    const DataFrameView::NameMap& names;
+    std::map<std::string, std::size_t> suffixCounts; ///< by a name: how many suffixes behind it give no free one
+    std::uint64_t addedBytes = 0;
+};
+
+} // namespace
 
 DataFrameView::DataFrameView() : series(std::make_shared<Columns>()), nameToIndex(std::make_shared<NameMap>()) {}
 
@@ -14,13 +57,18 @@ DataFrameView::DataFrameView(DataFrameView&& other) noexcept
 {
 }
 
+void DataFrameView::ShareColumnsOf(const DataFrameView& other) noexcept
+{
+    isColNameDirty = other.isColNameDirty;
+    series = other.series;
+    nameToIndex = other.nameToIndex;
+    rowIndex = other.rowIndex;
+    colIndex = other.colIndex;
+}
+
 Cursor DataFrameView::GetSlicedIterator(const SeriesPtr& column) const
 {
-    // A column may have been replaced by a shorter one since this window was cut.
-    if (column == nullptr || rowIndex[0] > rowIndex[1] || rowIndex[1] > column->Size()) {
-        return nullptr;
-    }
-    return column->GetIterator(rowIndex[0], rowIndex[1]);
+    return HasRows(*this, column) ? column->GetIterator(rowIndex[0], rowIndex[1]) : nullptr;
 }
 
 const SeriesPtr& DataFrameView::GetColumn(unsigned int k) const
@@ -68,12 +116,10 @@ ErrorCode DataFrameView::RefreshColumnName() const
     }
     try {
         nameToIndex = std::make_shared<NameMap>();
+        TakenNames taken(*nameToIndex);
         for (std::size_t i = 0; i < series->size() && (*series)[i] != nullptr; ++i) {
-            std::string name = (*series)[i]->GetName();
-            bool isRenamed = false;
-            for (; nameToIndex->count(name) != 0; isRenamed = true) {
-                name += "_1"; // the count of uses, which never passes 1: only the name that is free at last is taken
-            }
+            const bool isRenamed = nameToIndex->count((*series)[i]->GetName()) != 0;
+            std::string name = taken.FreeNameFrom((*series)[i]->GetName());
             nameToIndex->emplace(name, static_cast<unsigned int>(i));
             if (isRenamed) { // else nothing is written: other threads may be reading the column through their slices
                 (*series)[i]->SetName(std::move(name));
@@ -98,12 +144,16 @@ std::shared_ptr<const DataFrameView::NameMap> DataFrameView::GetNameToIndex() co
 }
 
 std::vector<std::string> DataFrameView::GetColumnName() const
-{
+try {
     if (error.code != ERROR_NONE) {
         LogError("Trying to get ColumnName from invalid Dataframe [%d]", error.code);
         return {};
     }
     std::vector<std::string> names;
+    if (IsFarBeyondColumns(*this)) {
+        LogError("The window is beyond the columns");
+        return names;
+    }
     if (RefreshColumnName() != ERROR_NONE) {
         return names;
     }
@@ -112,10 +162,13 @@ std::vector<std::string> DataFrameView::GetColumnName() const
         names.push_back(column == nullptr ? std::string() : column->GetName());
     }
     return names;
+} catch (...) { // no memory
+    static_cast<void>(TellNoMemory("GetColumnName"));
+    return {};
 }
 
 ErrorCode DataFrameView::SetColumnName(const std::vector<std::string>& names)
-{
+try {
     if (error.code != ERROR_NONE) {
         LogError("Trying to set ColumnName from invalid Dataframe [%d]", error.code);
         return ERROR_FAILED_TABLE;
@@ -125,16 +178,19 @@ ErrorCode DataFrameView::SetColumnName(const std::vector<std::string>& names)
             static_cast<int>(names.size()), static_cast<int>(ColumnCount()));
         return ERROR_BAD_VALUE;
     }
-    if (std::set<std::string>(names.begin(), names.end()).size() < names.size()) {
+    if (std::set<std::string_view>(names.begin(), names.end()).size() < names.size()) {
         LogWarning("Some names are duplicated, the actual column name might be different");
     }
+    std::vector<std::string> copies(names); // before the first column is named
     for (unsigned int k = 0; k < ColumnCount(); ++k) {
         if (GetColumn(k) != nullptr) {
-            GetColumn(k)->SetName(names[k]);
+            GetColumn(k)->SetName(std::move(copies[k]));
         }
     }
     isColNameDirty = true;
     return ERROR_NONE;
+} catch (...) { // no memory
+    return TellNoMemory("SetColumnName");
 }
 
 } // namespace MERVO::Tessera

@@ -64,11 +64,12 @@ public:
 
     /// The map from unique name to absolute column position, refreshed; null when it could not be made.
     std::shared_ptr<const NameMap> GetNameToIndex() const;
-    /// The names of the window's columns, in order; none for a failed table.
+    /// The names of the window's columns, in order; none for a failed table, and without memory for them.
     std::vector<std::string> GetColumnName() const;
     /**
      * Names the window's columns. Duplicates are allowed, and become unique when names are next needed.
-     * @return 0, or 6: the table failed before; 5: the count differs from the window's columns.
+     * @return 0, or 6: the table failed before; 5: the count differs from the window's columns; 3: no memory. After a
+     *         failure all names are as before.
      */
     ErrorCode SetColumnName(const std::vector<std::string>& names);
 
@@ -77,6 +78,8 @@ public:
 
 protected:
     DataFrameView& operator=(const DataFrameView&) = default;
+    /// Takes all but the error.
+    void ShareColumnsOf(const DataFrameView& other) noexcept;
 
     /// A reversed window, which only SetRowIndex and SetColIndex can make, is empty.
     static unsigned int LengthOf(const Range& window) { return window[1] > window[0] ? window[1] - window[0] : 0; }

@@ -1,6 +1,6 @@
 #include "tessera/core/dynamic_array.h"
 
-#include <cstdlib>
+#include <cstring>
 #include <utility>
 
 #include "tessera/platform/logger.h"
@@ -47,12 +47,14 @@ DynamicArray<bool>::DynamicArray(std::uint32_t count) : size(count)
     }
     const double roomyBits = static_cast<double>(static_cast<float>(count) * growthFactor) + 8.0 - 1.0;
     capacity = static_cast<std::uint32_t>(static_cast<std::int64_t>(roomyBits) / 8);
-    data = static_cast<std::uint8_t*>(std::calloc(capacity, 1));
+    data = static_cast<std::uint8_t*>(AllocateBlock(capacity, 1));
     if (data == nullptr) {
         LogError("%s", NO_BLOCK);
         size = 0;
         capacity = 0;
+        return;
     }
+    std::memset(data, 0, capacity);
 }
 
 DynamicArray<bool>::DynamicArray(std::initializer_list<bool> values) : DynamicArray(CountIn32Bits(values.size()))
@@ -65,6 +67,6 @@ DynamicArray<bool>::DynamicArray(const std::vector<bool>& values) : DynamicArray
     CopyBools(values.begin(), size, data);
 }
 
-DynamicArray<bool>::~DynamicArray() { std::free(data); }
+DynamicArray<bool>::~DynamicArray() { FreeBlock(data); }
 
 } // namespace MERVO::Tessera

@@ -8,6 +8,11 @@
 
 namespace MERVO::Tessera {
 
+/// Logs that a call ran out of memory or room, and gives its code.
+ErrorCode TellNoMemory(const char* call) noexcept;
+/// Gives the same code, which the table then holds.
+ErrorCode KeepNoMemory(const DataFrameView& table);
+
 /// Runs the body of a flat call and returns its code. Whatever it throws becomes code 3, for only want of memory or
 /// room throws here. `call` is the caller's __func__, for the message.
 template <typename Body>
@@ -16,8 +21,7 @@ std::int32_t Guarded(const char* call, Body&& body) noexcept
     try {
         return body();
     } catch (...) {
-        LogError("[%s] out of memory", call);
-        return ERROR_OUT_OF_MEMORY;
+        return TellNoMemory(call);
     }
 }
 

@@ -1,11 +1,16 @@
 #pragma once
 
 #include <algorithm>
+#include <new>
+#include <type_traits>
+#include <utility>
 
 #include "tessera/core/dynamic_array.h"
 #include "tessera/core/element_text.h"
 #include "tessera/core/linked_list.h"
+#include "tessera/core/memory_room.h"
 #include "tessera/core/named_series.h"
+#include "tessera/core/nested_release.h"
 
 namespace MERVO::Tessera {
 
@@ -14,6 +19,9 @@ class ListStorage : public LinkedList<T> {
 public:
     explicit ListStorage(std::uint32_t length)
     {
+        if (!HasRoomFor(length, sizeof(ListNode<T>))) { // node by node, the system would not refuse it
+            throw std::bad_alloc();
+        }
         for (std::uint32_t i = 0; i < length; ++i) {
             this->Append();
         }
@@ -43,6 +51,15 @@ class Series final : public NamedSeries {
 public:
     explicit Series(const SeriesAttr& seriesAttr) : NamedSeries(seriesAttr), storage(seriesAttr.length) {}
     Series(const SeriesAttr& seriesAttr, RawCells cells) : NamedSeries(seriesAttr), storage(seriesAttr.length, cells) {}
+    Series(const Series&) = delete;
+    Series& operator=(const Series&) = delete;
+    ~Series() override
+    {
+        if constexpr (HOLDS_TABLES) {
+            const bool hasCells = StorageOf<CID, T>::HasBlock(storage);
+            release.Begin(storage.begin(), hasCells ? storage.end() : storage.begin());
+        }
+    }
 
     std::uint32_t Size() const override { return StorageOf<CID, T>::Count(storage); }
     void Print(unsigned int begin, unsigned int end) const override
@@ -75,12 +92,15 @@ public:
 
 private:
     using Storage = typename StorageOf<CID, T>::Type;
+    struct Nothing {};
+    static constexpr bool HOLDS_TABLES = std::is_same_v<T, DataFrame>;
 
     auto PlaceOf(unsigned int row) const
     {
         return storage.begin() + static_cast<typename StorageOf<CID, T>::Distance>(row);
     }
 
+    [[no_unique_address]] std::conditional_t<HOLDS_TABLES, NestedRelease, Nothing> release; // ends behind the storage
     mutable Storage storage; // a cursor writes, and is all that leaves a column
 };
 

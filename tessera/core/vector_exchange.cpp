@@ -6,6 +6,7 @@
 #include "tessera/core/column_loader.h"
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
+#include "tessera/core/flat_call.h"
 #include "tessera/core/table_reader.h"
 
 namespace MERVO::Tessera {
@@ -124,17 +125,19 @@ ErrorCode CheckColumnCount(const DataFrameView& table, std::size_t columnCount, 
 template <typename T>
 ErrorCode VectorExchange<T>::Read1D(
     DataFrame& table, const std::vector<T>& data, Shape shape, const Types& types, const Containers& containers)
-{
+try {
     const std::size_t columns = shape[1];
     return ColumnLoader::Load(table, data.size(), shape, types, containers,
         CellVisit::Of<T>([&data, columns](auto&& cell, std::size_t row, std::size_t column) {
             cell = data[column + columns * row];
         }));
+} catch (...) { // no memory
+    return TellNoMemory("ReadVector");
 }
 
 template <typename T>
 ErrorCode VectorExchange<T>::Read2D(DataFrame& table, Columns&& data, const Types& types, const Containers& containers)
-{
+try {
     return LoadColumns(table, LengthsOf(data), types, containers,
         CellVisit::Of<T>([&data](auto&& cell, std::size_t row, std::size_t column) {
             if constexpr (std::is_same_v<T, std::string>) {
@@ -143,11 +146,13 @@ ErrorCode VectorExchange<T>::Read2D(DataFrame& table, Columns&& data, const Type
                 cell = data[column][row];
             }
         }));
+} catch (...) { // no memory
+    return TellNoMemory("ReadVectorByCol");
 }
 
 template <typename T>
 typename VectorExchange<T>::Rows VectorExchange<T>::Write2D(const DataFrameRef& table)
-{
+try {
     TableReader reader(table);
     if (!reader.CanRead(TYPE_ID_OF<T>, "2d", "Type mismatch on exporting 2d vector") || reader.Open() != ERROR_NONE) {
         return {};
@@ -156,11 +161,14 @@ typename VectorExchange<T>::Rows VectorExchange<T>::Write2D(const DataFrameRef& 
     reader.Read(
         CellVisit::Of<T>([&rows](auto&& cell, std::size_t row, std::size_t column) { rows[row][column] = cell; }));
     return rows;
+} catch (...) { // no memory
+    static_cast<void>(TellNoMemory("ToVector"));
+    return {};
 }
 
 template <typename T>
 std::vector<T> VectorExchange<T>::Write1D(const DataFrameRef& table)
-{
+try {
     TableReader reader(table);
     if (!reader.CanRead(TYPE_ID_OF<T>, "1d", "Type mismatch type on exporting 1d vector") ||
         reader.Open() != ERROR_NONE) {
@@ -171,6 +179,9 @@ std::vector<T> VectorExchange<T>::Write1D(const DataFrameRef& table)
     reader.Read(CellVisit::Of<T>(
         [&cells, columns](auto&& cell, std::size_t row, std::size_t column) { cells[column + row * columns] = cell; }));
     return cells;
+} catch (...) { // no memory
+    static_cast<void>(TellNoMemory("To1DVector"));
+    return {};
 }
 
 template class VectorExchange<bool>;

@@ -1,6 +1,7 @@
 #include "tessera/functors/apply_nullary.h"
 
 #include "tessera/core/data_frame.h"
+#include "tessera/core/flat_call.h"
 #include "tessera/functors/column_runs.h"
 
 namespace MERVO::Tessera {
@@ -36,7 +37,7 @@ ErrorCode Func::ApplyNullaryCommon(const NullaryFactory& factory, DataFrameView&
 }
 
 ErrorCode DataFrame::ApplyInplace(const NullaryFactory& factory)
-{
+try {
     const auto check = [this](SeriesAttr& attr, const Cursor& cursor) -> ErrorCode {
         if (attr.containerId == cursor->GetAttr().containerId) {
             return ERROR_NONE;
@@ -46,6 +47,8 @@ ErrorCode DataFrame::ApplyInplace(const NullaryFactory& factory)
     };
     const ErrorCode code = Func::ApplyNullaryCommon(factory, *this, check);
     return code != ERROR_NONE ? code : RefreshView();
+} catch (...) { // no memory
+    return KeepNoMemory(*this);
 }
 
 } // namespace MERVO::Tessera

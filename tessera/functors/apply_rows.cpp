@@ -2,6 +2,7 @@
 
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
+#include "tessera/core/flat_call.h"
 #include "tessera/core/table_reader.h"
 #include "tessera/functors/functor_slots.h"
 
@@ -137,7 +138,7 @@ bool DataFrame::ApplyRowPreCheck(const std::string& functor, const DataFrame& sr
 }
 
 ErrorCode DataFrame::ApplyRows(const UnaryFactory& factory, const DataFrame& src, MERVO_TESSERA_TYPEID type)
-{
+try {
     const ContainerID container = src.ContainerType();
     const bool hasColumns = src.GetError().code == ERROR_NONE && src.ColumnCount() != 0; // else the check below tells
     if (hasColumns && !IsContainer(container)) {
@@ -166,6 +167,8 @@ ErrorCode DataFrame::ApplyRows(const UnaryFactory& factory, const DataFrame& src
     series = std::make_shared<Columns>(std::move(run.columns));
     isColNameDirty = true;
     return RefreshView();
+} catch (...) { // no memory
+    return KeepNoMemory(*this);
 }
 
 } // namespace MERVO::Tessera

@@ -2,6 +2,9 @@
 #include <utility>
 
 #include "tessera/core/data_frame.h"
+#include "tessera/core/flat_call.h"
+#include "tessera/core/memory_room.h"
+#include "tessera/core/nesting.h"
 #include "tessera/functors/column_runs.h"
 
 namespace MERVO::Tessera {
@@ -10,10 +13,33 @@ namespace {
 using Func::BinaryRun;
 using Func::UnaryRun;
 
+std::uint64_t BytesOf(const DataFrameRef& table)
+{
+    std::uint64_t bytes = 0;
+    for (unsigned int k = 0; k < table.ColumnCount() && table.GetColumn(k) != nullptr; ++k) {
+        bytes += CellSizeOf(table.GetColumn(k)->GetTypeId()) * table.RowCount();
+    }
+    return bytes;
+}
+
+ErrorCode RefuseDepth(const DataFrame& table)
+{
+    table.SetError({ERROR_OUT_OF_MEMORY, "tables are nested too deep, or too many of them"});
+    return ERROR_OUT_OF_MEMORY;
+}
+
+/// Columns are made one by one, so the system would refuse none of them. It is asked where one is large.
+bool HasRoomForColumns(const SeriesAttr& attr, unsigned int count)
+{
+    constexpr std::uint64_t LARGE = std::uint64_t{64} << 10;
+    const std::uint64_t bytes = CellSizeOf(attr.typeId) * attr.length;
+    return bytes < LARGE || HasRoomFor(count, bytes);
+}
+
 /// Computes the column that a run stands on, for a table; `refusal` is the caller's word for a changed container.
 template <typename Run>
-ErrorCode ComputeForTable(
-    const DataFrame& table, const Run& run, ContainerID container, const char* refusal, SeriesPtr& result)
+ErrorCode ComputeForTable(const DataFrame& table, const Run& run, ContainerID container, unsigned int columnCount,
+    const char* refusal, SeriesPtr& result)
 {
     Error outcome;
     if (!run.HasCursors()) {
@@ -25,7 +51,8 @@ ErrorCode ComputeForTable(
                 static_cast<int>(attr.containerId));
             return ERROR_BAD_KIND;
         }
-        outcome = Func::ComputeColumn(run, attr, result);
+        outcome = HasRoomForColumns(attr, columnCount) ? Func::ComputeColumn(run, attr, result)
+                                                       : Error{ERROR_OUT_OF_MEMORY, "more columns than memory holds"};
     }
     table.SetError(outcome);
     return outcome.code;
@@ -97,7 +124,11 @@ void DataFrame::RemoveRedundantOnApply(const Landing& landing)
 }
 
 ErrorCode DataFrame::ApplyInplace(const UnaryFactory& factory, const DataFrameRef& src)
-{
+try {
+    const Nesting nesting(BytesOf(src));
+    if (!nesting.HasRoom()) {
+        return RefuseDepth(*this);
+    }
     UnaryRun run(factory, src);
     ErrorCode code = ERROR_NONE;
     if (!UnaryApplyCheck(run.Name(), src, code)) {
@@ -111,18 +142,26 @@ ErrorCode DataFrame::ApplyInplace(const UnaryFactory& factory, const DataFrameRe
         }
         const ContainerID container = run.SourceContainer(k);
         run.Open(k, container);
-        return ComputeForTable(*this, run, container, "can not change the container type", result);
+        return ComputeForTable(*this, run, container, src.ColumnCount(), "can not change the container type", result);
     });
+} catch (...) { // no memory
+    return KeepNoMemory(*this);
 }
 
 ErrorCode DataFrame::ApplyInplace(const BinaryFactory& factory, const DataFrameRef& lhs, const DataFrameRef& rhs)
-{
+try {
+    const Nesting nesting(BytesOf(lhs));
+    if (!nesting.HasRoom()) {
+        return RefuseDepth(*this);
+    }
     const ErrorCode code = BinaryApplyCheck(Func::FunctorSlots<Func::BinaryBase>(factory).Name(), lhs, rhs);
     if (code != ERROR_NONE) {
         return code;
     }
     return lhs.ColumnCount() == rhs.ColumnCount() ? ApplyBinaryMultiVsMulti(factory, lhs, rhs)
                                                   : ApplyBinarySingleVsMulti(factory, lhs, rhs);
+} catch (...) { // no memory
+    return KeepNoMemory(*this);
 }
 
 ErrorCode DataFrame::ApplyBinary(const BinaryFactory& factory, const DataFrameRef& lhs, const DataFrameRef& rhs,
@@ -138,7 +177,7 @@ ErrorCode DataFrame::ApplyBinary(const BinaryFactory& factory, const DataFrameRe
             LogError("%s", texts.conversion);
             return converted;
         }
-        return ComputeForTable(*this, run, container, texts.containerChange, result);
+        return ComputeForTable(*this, run, container, landing.count, texts.containerChange, result);
     });
 }
 

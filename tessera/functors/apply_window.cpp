@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "tessera/core/data_frame_ref.h"
+#include "tessera/core/flat_call.h"
 #include "tessera/functors/apply_nullary.h"
 #include "tessera/functors/column_runs.h"
 #include "tessera/functors/copy_series.h"
@@ -215,23 +216,29 @@ ErrorCode DataFrameRef::CopyApply(const BinaryFactory& factory, const DataFrameR
 }
 
 ErrorCode DataFrameRef::ApplyInplace(const UnaryFactory& factory, const DataFrameRef& src)
-{
+try {
     const bool readsWhatItWrites = SharesColumnsWith(src) && OverlappingCheck(src);
     return readsWhatItWrites ? CopyApply(factory, src) : NoCopyApply(factory, src);
+} catch (...) { // no memory
+    return KeepNoMemory(*this);
 }
 
 ErrorCode DataFrameRef::ApplyInplace(const BinaryFactory& factory, const DataFrameRef& lhs, const DataFrameRef& rhs)
-{
+try {
     const bool readsWhatItWrites =
         (SharesColumnsWith(lhs) && OverlappingCheck(lhs)) || (SharesColumnsWith(rhs) && OverlappingCheck(rhs));
     return readsWhatItWrites ? CopyApply(factory, lhs, rhs) : NoCopyApply(factory, lhs, rhs);
+} catch (...) { // no memory
+    return KeepNoMemory(*this);
 }
 
 ErrorCode DataFrameRef::ApplyInplace(const NullaryFactory& factory)
-{
+try {
     return Func::ApplyNullaryCommon(factory, *this, [](SeriesAttr& attr, const Cursor& cursor) {
         return CheckShapeKept(attr, cursor->GetAttr().containerId, cursor->Length());
     });
+} catch (...) { // no memory
+    return KeepNoMemory(*this);
 }
 
 DataFrameRef& DataFrameRef::operator=(const DataFrameRef& other)
@@ -241,11 +248,14 @@ DataFrameRef& DataFrameRef::operator=(const DataFrameRef& other)
 }
 
 DataFrameRef& DataFrameRef::FinishOperator(ErrorCode code, const char* failure)
-{
+try {
     if (code != ERROR_NONE) {
         SetError({code, failure});
         error.message = failure;
     }
+    return *this;
+} catch (...) { // no memory for the text
+    KeepNoMemory(*this);
     return *this;
 }
 

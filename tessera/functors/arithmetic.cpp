@@ -44,7 +44,7 @@ ErrorCode ComputeCells(
         ForEachBlock(lhs, rhs, dst, {lhs->Length() == 1, rhs->Length() == 1}, kernel);
     } else if (dst->Length() != 0) {
         LogWarning("Functor %s has one row on one side and none on the other", functor.GetName().c_str());
-        ResultBlocks(dst).Clear(dst->Length());
+        ResultBlocks(dst, false).Clear(dst->Length());
     }
     return ERROR_NONE;
 }

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <new>
 #include <string>
 #include <type_traits>
 
@@ -11,6 +12,7 @@
 #include "tessera/core/date_time.h"
 #include "tessera/functors/functor_factory.h"
 #include "tessera/functors/table_combination.h"
+#include "tessera/platform/multiversion.h"
 
 namespace MERVO::Tessera::Func {
 namespace {
@@ -138,7 +140,7 @@ template <typename Real>
 
 /// Whether a NaN is among the results.
 template <typename Real, typename Operation>
-bool CombineAndProbe(
+[[gnu::always_inline]] inline bool CombineAndProbe(
     const Real* __restrict lefts, const Real* __restrict rights, Real* __restrict results, std::uint32_t count)
 {
     using Bits = RealBits<Real>;
@@ -153,12 +155,20 @@ bool CombineAndProbe(
 }
 
 template <typename Real, typename Operation>
+TESSERA_WIDE_VECTORS bool CombineAndProbeWide(const Real* lefts, const Real* rights, Real* results, std::uint32_t count)
+{
+    return CombineAndProbe<Real, Operation>(lefts, rights, results, count);
+}
+
+template <typename Real, typename Operation>
 void CombineReals(const void* left, const void* right, void* result, std::uint32_t count)
 {
     const auto* lefts = static_cast<const Real*>(left);
     const auto* rights = static_cast<const Real*>(right);
     auto* results = static_cast<Real*>(result);
-    if (CombineAndProbe<Real, Operation>(lefts, rights, results, count)) {
+    const bool hasNan = HasWideVectors() ? CombineAndProbeWide<Real, Operation>(lefts, rights, results, count)
+                                         : CombineAndProbe<Real, Operation>(lefts, rights, results, count);
+    if (hasNan) {
         SettleNans(lefts, rights, results, count);
     }
 }
@@ -184,6 +194,10 @@ void CombineNested(const void* left, const void* right, void* result, std::uint3
     const BinaryFactory factory = FunctorFactory<Functor, BinaryBase>{};
     for (std::uint32_t i = 0; i < count; ++i) {
         *results[i] = CombineTables(factory, *lefts[i], *rights[i]);
+        if (results[i]->GetError().code == ERROR_OUT_OF_MEMORY && lefts[i]->GetError().code == ERROR_NONE &&
+            rights[i]->GetError().code == ERROR_NONE) {
+            throw std::bad_alloc(); // or the column would seem to be whole
+        }
     }
 }
 

@@ -2,6 +2,7 @@
 #include <new>
 
 #include "tessera/core/data_frame.h"
+#include "tessera/core/flat_call.h"
 #include "tessera/functors/functor_factory.h"
 #include "tessera/functors/to_array.h"
 
@@ -43,7 +44,7 @@ std::unique_ptr<std::byte[]> MakeBlock(std::uint64_t elements, std::size_t eleme
 
 ErrorCode DataFrameRef::ColumnToArray(
     void* data, MERVO_TESSERA_TYPEID type, unsigned int size, unsigned int column) const
-{
+try {
     if (error.code != ERROR_NONE || ColumnCount() == 0) {
         LogError("Invalid dataframe when dumping column to array.");
         return ERROR_BAD_VALUE;
@@ -68,10 +69,12 @@ ErrorCode DataFrameRef::ColumnToArray(
         LogError("%s", outcome.message.c_str());
     }
     return outcome.code;
+} catch (...) { // no memory
+    return TellNoMemory("ColumnToArray");
 }
 
 DataFrameRef::operator NdData() const
-{
+try {
     const auto type = static_cast<std::uint32_t>(Type()); // no type at all, -1, counts as too high a one
     if (type > TESSERA_DOUBLE) {
         LogError("Unsupport type to NdData.");
@@ -92,6 +95,9 @@ DataFrameRef::operator NdData() const
         }
     }
     return {std::move(block), {rows, ColumnCount()}, kind.tag, 1};
+} catch (...) { // no memory
+    static_cast<void>(TellNoMemory("NdData"));
+    return {};
 }
 
 } // namespace MERVO::Tessera

@@ -49,9 +49,31 @@ void CellBlocks::ForEachCell(std::uint32_t count, Visit&& visit)
     }
 }
 
+ResultBlocks::ResultBlocks(const Cursor& dst, bool isLight)
+    : CellBlocks(dst), wantsStreams(isLight && dst->Length() >= STREAMED_FROM / slotSize)
+{
+}
+
+ResultBlocks::~ResultBlocks()
+{
+    if (IsStreamed()) {
+        FinishStreaming();
+    }
+}
+
+std::uint32_t ResultBlocks::NextCount(std::uint32_t remaining) const
+{
+    std::size_t most = LONGEST;
+    if (IsStreamed()) {
+        const std::size_t overhang = reinterpret_cast<std::uintptr_t>(next.element) % CACHE_LINE;
+        most = overhang == 0 ? most : (CACHE_LINE - overhang) / slotSize;
+    }
+    return static_cast<std::uint32_t>(std::min<std::size_t>(remaining, most));
+}
+
 void* ResultBlocks::Room(std::uint32_t count)
 {
-    if (IsInPlace()) {
+    if (IsInPlace() && !IsStreamed()) {
         return next.element;
     }
     if (form == Form::ADDRESSES) {
@@ -66,6 +88,9 @@ void ResultBlocks::Written(std::uint32_t count)
         PackBits(reinterpret_cast<const bool*>(buffer.data()), next.bit, count);
         next.Skip(count);
     } else if (IsInPlace()) {
+        if (IsStreamed()) {
+            StreamBytes(next.element, buffer.data(), count * slotSize);
+        }
         next.Skip(count);
     } else if (form == Form::VALUES) {
         ForEachCell(count, [this](const std::byte* slot, void* cell) { std::memcpy(cell, slot, slotSize); });

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "tessera/functors/cell_place.h"
+#include "tessera/platform/streaming_store.h"
 
 namespace MERVO::Tessera::Func {
 
@@ -22,10 +23,11 @@ using CellKernel = void (*)(const void* left, const void* right, void* result, s
 class CellBlocks {
 public:
     /// Cells of one block: three buffers of them fit into a first-level cache.
-    static constexpr std::uint32_t LONGEST = 512;
+    static constexpr std::uint32_t LONGEST = 256;
 
 protected:
     using Layout = CellPlace::Layout;
+    static constexpr std::size_t CACHE_LINE = 64;
 
     explicit CellBlocks(const Cursor& cursor);
 
@@ -41,14 +43,20 @@ protected:
     CellPlace next; ///< the next cell
     Form form;
     std::size_t slotSize; ///< of a cell as kernels see it
-    alignas(std::uint64_t) std::array<std::byte, LONGEST * sizeof(std::uint64_t)> buffer;
+    alignas(CACHE_LINE) std::array<std::byte, LONGEST * sizeof(std::uint64_t)> buffer;
 };
 
-/// Where the cells of a result go.
+/// Where the cells of a result go: those of a light kernel's large array from the buffer into memory, past the caches.
 class ResultBlocks : public CellBlocks {
 public:
-    explicit ResultBlocks(const Cursor& dst) : CellBlocks(dst) {}
+    /// @param isLight whether the kernel takes less time than memory does. Streams wait for it, plain stores don't.
+    ResultBlocks(const Cursor& dst, bool isLight);
+    ResultBlocks(const ResultBlocks&) = delete;
+    ResultBlocks& operator=(const ResultBlocks&) = delete;
+    ~ResultBlocks();
 
+    /// How many of the remaining cells make up the next block.
+    std::uint32_t NextCount(std::uint32_t remaining) const;
     /// Room for the next cells; what is put there counts from Written on.
     void* Room(std::uint32_t count);
     void Written(std::uint32_t count);
@@ -57,6 +65,11 @@ public:
 
     /// Whether cells that a kernel reads in place lie in memory that it will write in place.
     bool IsWrittenOver(const std::byte* head, std::size_t bytes, std::uint32_t count) const;
+
+private:
+    bool IsStreamed() const { return HasStreamingStores() && wantsStreams && IsInPlace(); }
+
+    bool wantsStreams;
 };
 
 /// The cells of an operand; one that repeats gives its first cell every time.
@@ -89,11 +102,11 @@ template <typename Visit>
 void ForEachBlock(const Cursor& lhs, const Cursor& rhs, const Cursor& dst, Repetition repetition, Visit&& visit)
 {
     std::uint32_t remaining = dst->Length();
-    ResultBlocks results(dst);
+    ResultBlocks results(dst, true);
     OperandBlocks left(lhs, repetition.left, results, remaining);
     OperandBlocks right(rhs, repetition.right, results, remaining);
     while (remaining != 0) {
-        const std::uint32_t count = std::min(remaining, CellBlocks::LONGEST);
+        const std::uint32_t count = results.NextCount(remaining);
         visit(left.Read(count), right.Read(count), results.Room(count), count);
         results.Written(count);
         remaining -= count;
@@ -102,13 +115,13 @@ void ForEachBlock(const Cursor& lhs, const Cursor& rhs, const Cursor& dst, Repet
 
 /// Calls visit(cells, result, count) for one block of cells of a single operand after the other, until either is done.
 template <typename Visit>
-void ForEachBlock(const Cursor& src, const Cursor& dst, Visit&& visit)
+void ForEachBlock(const Cursor& src, const Cursor& dst, bool isLight, Visit&& visit)
 {
     std::uint32_t remaining = std::min(src->Length(), dst->Length());
-    ResultBlocks results(dst);
+    ResultBlocks results(dst, isLight);
     OperandBlocks source(src, false, results, remaining);
     while (remaining != 0) {
-        const std::uint32_t count = std::min(remaining, CellBlocks::LONGEST);
+        const std::uint32_t count = results.NextCount(remaining);
         visit(source.Read(count), results.Room(count), count);
         results.Written(count);
         remaining -= count;

@@ -1,8 +1,25 @@
 #include "tessera/functors/column_runs.h"
 
+#include <new>
+
 #include "tessera/core/raw_texts.h"
+#include "tessera/core/window_bounds.h"
 
 namespace MERVO::Tessera::Func {
+
+namespace {
+
+/// A cursor on the window's rows of a column; null where they are not there (any more). Throws std::bad_alloc.
+Cursor CursorOn(const DataFrameRef& window, const SeriesPtr& column)
+{
+    Cursor cursor = window.GetSlicedIterator(column);
+    if (cursor == nullptr && HasRows(window, column) && IsValueType(column->GetTypeId())) {
+        throw std::bad_alloc();
+    }
+    return cursor;
+}
+
+} // namespace
 
 ContainerID ContainerOf(const SeriesPtr& column)
 {
@@ -15,7 +32,7 @@ void UnaryRun::Open(unsigned int k, ContainerID container)
 {
     const SeriesPtr& column = source.GetColumn(k);
     functor = &slots.For(container);
-    cursor = source.GetSlicedIterator(column);
+    cursor = CursorOn(source, column);
     name = column == nullptr ? std::string() : column->GetName();
 }
 
@@ -62,8 +79,8 @@ void BinaryRun::Open(unsigned int k, ContainerID container)
     const SeriesPtr& rightColumn = right.GetColumn(right.ColumnCount() == 1 ? 0 : k);
     const SeriesPtr& named = left.ColumnCount() >= right.ColumnCount() ? leftColumn : rightColumn;
     name = named == nullptr ? std::string() : named->GetName();
-    leftCursor = left.GetSlicedIterator(leftColumn);
-    rightCursor = right.GetSlicedIterator(rightColumn);
+    leftCursor = CursorOn(left, leftColumn);
+    rightCursor = CursorOn(right, rightColumn);
 }
 
 ErrorCode BinaryRun::Convert(ContainerID container)

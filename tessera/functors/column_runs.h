@@ -90,7 +90,7 @@ Error ComputeColumn(const Run& run, const SeriesAttr& attr, SeriesPtr& result)
     }
     result = BuildSeries(attr, run.ColumnName());
     const Cursor cursor = result->GetIterator();
-    if (cursor == nullptr && result->GetTypeId() != TESSERA_INVALID) {
+    if (cursor == nullptr && IsValueType(attr.typeId) && IsContainer(attr.containerId)) {
         return noMemory();
     }
     return run.Process(cursor);

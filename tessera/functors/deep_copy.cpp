@@ -1,11 +1,12 @@
 #include "tessera/core/data_frame.h"
+#include "tessera/core/flat_call.h"
 #include "tessera/functors/copy_series.h"
 #include "tessera/functors/functor_factory.h"
 
 namespace MERVO::Tessera {
 
 void DataFrame::DeepCopy(const DataFrameRef& other)
-{
+try {
     if (other.GetError().code != ERROR_NONE) {
         SetError({other.GetError().code, "this is from deepcopy"});
         return;
@@ -19,6 +20,8 @@ void DataFrame::DeepCopy(const DataFrameRef& other)
     if (code != ERROR_NONE) {
         SetError({code, "Copy failed"});
     }
+} catch (...) { // no memory
+    KeepNoMemory(*this);
 }
 
 } // namespace MERVO::Tessera

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <new>
 #include <string>
 
 #include "tessera/functors/error_functors.h"
@@ -21,6 +22,9 @@ public:
         FunctorPtr<Base>& slot = slots[container == CONTAINER_LIST ? 1 : 0];
         if (slot == nullptr && make != nullptr) {
             slot = make(container);
+            if (container == CONTAINER_ARRAY && slot != nullptr && !slot.get_deleter().isOwner) {
+                throw std::bad_alloc(); // for arrays a factory gives the error functor only when memory is short
+            }
         }
         if (slot == nullptr) {
             slot = GetErrorFunctor<Base>();

@@ -14,6 +14,7 @@
 #include "tessera/core/scattered.h"
 #include "tessera/functors/assign_text.h"
 #include "tessera/functors/element_walk.h"
+#include "tessera/functors/long_texts.h"
 #include "tessera/functors/missing_cell.h"
 
 namespace MERVO::Tessera::Func {
@@ -95,18 +96,18 @@ void CopyBits(PlaceOf placeOf, BitPosition to, std::size_t count)
 
 void Assign(std::string& cell, const std::string& text) { AssignText(cell, text); }
 void Assign(DateTime& cell, const DateTime& time) { cell = time; }
-void Assign(DataFrame& cell, const DataFrame& table)
-{
-    cell = table;
-    if (cell.GetError().code != table.GetError().code) {
-        throw std::bad_alloc(); // the copy holds that itself, though the column would seem to be whole
-    }
-}
+void Assign(DataFrame& cell, const DataFrame& table) { cell = table; }
 
 template <typename T, typename PlaceOf>
 void CopyLarge(PlaceOf placeOf, T* to, std::size_t count)
 {
-    VisitScattered(count, placeOf, [to](std::size_t i, const T* from) { Assign(to[i], *from); });
+    [[maybe_unused]] LongTexts longTexts;
+    VisitScattered(count, placeOf, [to, count, placeOf, &longTexts](std::size_t i, const T* from) {
+        if constexpr (std::is_same_v<T, std::string>) {
+            longTexts.Add(from->size(), placeOf, count);
+        }
+        Assign(to[i], *from);
+    });
 }
 
 template <typename T, typename PlaceOf>

@@ -4,6 +4,7 @@
 #include "tessera/core/scattered.h"
 #include "tessera/functors/assign_text.h"
 #include "tessera/functors/gather.h"
+#include "tessera/functors/long_texts.h"
 
 namespace MERVO::Tessera::Func {
 
@@ -36,9 +37,11 @@ void GatheredColumn::Append(std::span<const std::uint32_t> positions)
 void GatheredColumn::AppendTexts(std::span<const std::uint32_t> positions)
 {
     const std::string* const texts = CursorAs<CONTAINER_ARRAY, std::string>(from).mHead;
+    const auto placeOf = [texts, positions](std::size_t i) { return texts + positions[i]; };
+    LongTexts longTexts;
     VisitScattered(
-        positions.size(), [texts, positions](std::size_t i) { return texts + positions[i]; },
-        [this](std::size_t, const std::string* text) {
+        positions.size(), placeOf, [this, placeOf, positions, &longTexts](std::size_t, const std::string* text) {
+            longTexts.Add(text->size(), placeOf, positions.size());
             MakeText(next, *text);
             ++next; // one by one, as the next text may have no room
         });

@@ -11,6 +11,9 @@ DataFrame CombineTables(const BinaryFactory& factory, const DataFrameRef& lhs, c
 /// A table that holds a failure and nothing else.
 DataFrame FailedTable(ErrorCode code, const std::string& message);
 
+/// What an operation gives that ran out of memory or room: a table with code 3. `call` is its name, for the message.
+DataFrame TableWithoutMemory(const char* call);
+
 /// The table that `make` gives. Whatever that throws becomes code 3, for only want of memory or room throws here.
 /// @param call the name of the operation, for the message.
 template <typename Make>
@@ -19,8 +22,7 @@ DataFrame GuardedTable(const char* call, Make&& make)
     try {
         return make();
     } catch (...) {
-        LogError("out of memory on %s", call);
-        return FailedTable(ERROR_OUT_OF_MEMORY, std::string("out of memory on ") + call);
+        return TableWithoutMemory(call);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "tessera/functors/table_operators.h"
 
+#include "tessera/core/flat_call.h"
 #include "tessera/functors/apply_func.h"
 #include "tessera/functors/arithmetic.h"
 #include "tessera/functors/comparison.h"
@@ -19,10 +20,12 @@ template <template <ContainerID> class Functor>
 using UnaryMaker = Func::FunctorFactory<Functor, Func::UnaryBase>;
 
 DataFrame Opposite(const DataFrameRef& table)
-{
+try {
     DataFrame result;
     const ErrorCode code = result.ApplyInplace(UnaryMaker<Func::Not>{}, table);
     return code == ERROR_NONE ? std::move(result) : FailedTable(code, "Error on executing operator");
+} catch (...) { // no memory
+    return Func::TableWithoutMemory("a table operator");
 }
 
 /// Whether a fold over columns of bools makes sense; `word` is that of the caller, for its messages.
@@ -44,7 +47,7 @@ bool HasBools(const DataFrameRef& table, const char* word)
 
 /// Folds each column by a functor, then all columns: `decisive` in one of them is the answer.
 bool FoldBools(const DataFrameRef& table, const UnaryFactory& fold, bool decisive)
-{
+try {
     DataFrame columns;
     if (columns.ApplyInplace(fold, table) != ERROR_NONE) {
         return false;
@@ -56,6 +59,9 @@ bool FoldBools(const DataFrameRef& table, const UnaryFactory& fold, bool decisiv
     };
     const Func::FunctorFactory<Func::ApplyFunc, Func::UnaryBase, Func::BoolStep&> across(step);
     return columns.ApplyInplace(UnaryFactory(across), columns) == ERROR_NONE && answer;
+} catch (...) { // no memory
+    static_cast<void>(TellNoMemory("Any or All"));
+    return false;
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "tessera/core/data_frame.h"
+#include "tessera/core/window_bounds.h"
 #include "tessera/functors/column_runs.h"
 #include "tessera/functors/functor_factory.h"
 #include "tessera/grouping/groups.h"
@@ -92,6 +93,12 @@ Groups DataFrame::GroupByOutPlace(unsigned int keyCount, const unsigned int* key
 Groups DataFrame::GroupByKeys(
     unsigned int keyCount, const unsigned int* keys, bool inPlace, bool ascending, bool sorted)
 {
+    for (unsigned int k = 0; k < keyCount; ++k) { // before room is made for the rows that the window claims
+        if (!HasRows(*this, GetColumn(keys[k]))) {
+            LogError("Failed to group by key %d, error %d", static_cast<int>(keys[k]), ERROR_BAD_VALUE);
+            return {};
+        }
+    }
     Positions index(RowCount());
     std::iota(index.begin(), index.end(), 0U);
     using Sorting = Func::FunctorFactory<Func::SortIndex, Func::NullaryBase, Positions&, bool&, bool&>;

@@ -23,7 +23,8 @@ BaseGroups::BaseGroups(SharedColumns&& sharedColumns, const std::vector<std::uin
     if (columns == nullptr) {
         return;
     }
-    DataFrame table; // names that are there twice are told apart now, not when threads read the columns that groups share
+    DataFrame
+        table; // names that are there twice are told apart now, not when threads read the columns that groups share
     table.series = columns;
     static_cast<void>(table.RefreshColumnName()); // those who need the names without memory hear of it
 }

@@ -25,9 +25,9 @@ Keys InOrderWithoutRepeats(Keys keys)
 bool HasWholeWindow(const DataFrame& table)
 {
     bool isWhole = table.ColumnCount() != 0 || table.RowCount() == 0;
-    for (unsigned int k = 0; k < table.ColumnCount(); ++k) {
+    for (unsigned int k = 0; isWhole && k < table.ColumnCount(); ++k) {
         const SeriesPtr& column = table.GetColumn(k);
-        isWhole = isWhole && column != nullptr && table.GetRowIndex()[1] <= column->Size();
+        isWhole = column != nullptr && table.GetRowIndex()[1] <= column->Size();
     }
     return isWhole;
 }

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "tessera/core/data_frame.h"
+#include "tessera/core/memory_room.h"
 #include "tessera/functors/missing_cell.h"
 #include "tessera/operations/sort_keys.h"
 #include "tessera/operations/stable_order.h"
@@ -142,7 +143,8 @@ Error DataFrame::PairMergeRows(const DataFrame& right, const MergeRows& leftOn, 
         CalculateMergeIndex(flags, index, merge);
     }
     const std::uint64_t length = GetMergedSeriesLength(merge, type);
-    if (length > MOST_ROWS) {
+    const std::uint64_t rowBytes = 2 * sizeof(std::uint32_t) + RowSizeOf(*series) + RowSizeOf(*right.series);
+    if (length > MOST_ROWS || !HasRoomFor(length, rowBytes)) {
         LogError("Can't build a merged table of %llu rows", static_cast<unsigned long long>(length));
         return {ERROR_OUT_OF_MEMORY, "too many rows for Merge"};
     }

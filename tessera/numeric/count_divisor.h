@@ -42,32 +42,13 @@ private:
 };
 
 /// Whether each number is zero or at least `smallest` in magnitude; NaN passes.
-template <typename Size>
-[[gnu::always_inline]] inline bool AreZeroOrAtLeast(double smallest, const double* values, Size count)
+[[gnu::always_inline]] inline bool AreZeroOrAtLeast(double smallest, const double* values, std::size_t count)
 {
     std::int64_t others = 0;
     for (std::size_t i = 0; i < count; ++i) {
         others += ((std::fabs(values[i]) < smallest) & (values[i] != 0.0)) ? 1 : 0;
     }
     return others == 0;
-}
-
-/// Quotients of a few values; isFused asks for the fused form, where the surrounding function has it.
-template <bool HAS_FUSED, typename Size>
-[[gnu::always_inline]] inline void DivideEach(
-    const CountDivisor& divisor, [[maybe_unused]] bool isFused, const double* values, Size count, double* quotients)
-{
-    if constexpr (HAS_FUSED) {
-        if (isFused) [[likely]] {
-            for (std::size_t i = 0; i < count; ++i) {
-                quotients[i] = divisor.FusedQuotient(values[i]);
-            }
-            return;
-        }
-    }
-    for (std::size_t i = 0; i < count; ++i) {
-        quotients[i] = divisor.Quotient(values[i]);
-    }
 }
 
 } // namespace MERVO::Tessera::Func

@@ -1,9 +1,11 @@
 #include "tessera/numeric/dispersion.h"
 
 #include <cmath>
+#include <limits>
 #include <vector>
 
 #include "tessera/numeric/columns_abreast.h"
+#include "tessera/numeric/count_divisor.h"
 #include "tessera/numeric/deviations.h"
 #include "tessera/numeric/group_sums.h"
 #include "tessera/numeric/reduction_result.h"
@@ -85,15 +87,23 @@ struct MeasureSpread {
     template <typename Adder>
     [[gnu::always_inline]] Abreast Reduce(const ColumnsAbreast& columns) const
     {
-        const auto length = static_cast<double>(columns.length);
-        const Abreast means =
-            SumsOfTermsAbreast<Adder>(columns, [length](std::size_t, double value) { return value / length; });
-        Abreast spreads = SumsOfTermsAbreast<Adder>(columns, [&means](std::size_t k, double value) {
-            const double deviation = value - means[k];
-            return deviation * deviation;
-        });
+        Abreast lengths;
+        lengths.fill(columns.length);
+        SmallestMagnitude smallest;
+        const auto [means] = SumsAbreast<Adder, 1>(
+            columns, DivisorsAbreast(lengths), [&smallest](const auto& value, const auto* length, auto* results) {
+                smallest.See(value);
+                Divide(value, length, results[0]);
+            });
+        const bool isLossy = smallest.IsBelow(CountDivisor::FUSED_FROM);
+        auto [spreads] = SumsAbreast<Adder, 1>(
+            columns, ParametersAbreast<1>{means}, [](const auto& value, const auto* mean, auto* results) {
+                const auto deviation = value - mean[0];
+                results[0] = deviation * deviation;
+            });
         for (std::size_t k = 0; k < columns.count; ++k) {
-            spreads[k] = spreadFrom(spreads[k], means[k], columns.length, lostDegrees);
+            spreads[k] = isLossy ? std::numeric_limits<double>::quiet_NaN()
+                                 : spreadFrom(spreads[k], means[k], columns.length, lostDegrees);
         }
         return spreads;
     }

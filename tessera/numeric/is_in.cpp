@@ -133,7 +133,7 @@ void FindCells(const Cursor& src, const Cursor& compare, const Cursor& dst)
     ForEachBlock(
         compare, [&set](const void* cells, std::uint32_t count) { HashedCells<Cell>(cells, count).AddTo(set); });
     const KeyFilter filter(set.Numbers());
-    ForEachBlock(src, dst, [&set, &filter](const void* cells, void* results, std::uint32_t count) {
+    ForEachBlock(src, dst, false, [&set, &filter](const void* cells, void* results, std::uint32_t count) {
         HashedCells<Cell>(cells, count).FindIn(set, filter, static_cast<bool*>(results));
     });
 }

@@ -70,8 +70,9 @@ struct Average {
     {
         auto [means, missing] = SumsOfPresentAbreast<Adder>(columns);
         for (std::size_t k = 0; k < columns.count; ++k) {
-            means[k] = missing[k] != 0 && !skipNan ? std::numeric_limits<double>::quiet_NaN()
-                                                   : MeanFrom(means[k], columns.length - missing[k]);
+            means[k] = missing[k] != 0 && !skipNan
+                ? std::numeric_limits<double>::quiet_NaN()
+                : MeanFrom(means[k], columns.length - static_cast<std::uint32_t>(missing[k]));
         }
         return means;
     }

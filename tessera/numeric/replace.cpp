@@ -7,9 +7,12 @@
 #include <string>
 
 #include "tessera/core/date_time.h"
+#include "tessera/core/memory_room.h"
 #include "tessera/functors/cast_kernels.h"
 #include "tessera/functors/cell_blocks.h"
 #include "tessera/functors/cell_conversion.h"
+#include "tessera/functors/element_walk.h"
+#include "tessera/platform/multiversion.h"
 
 namespace MERVO::Tessera::Func {
 namespace {
@@ -30,15 +33,28 @@ using ReplaceKernel = void (*)(
     const void* cells, void* results, std::uint32_t count, const void* oldValue, const void* newValue);
 
 template <typename T>
+[[gnu::always_inline]] inline void ReplaceEach(const T* from, T* to, std::uint32_t count, T sought, T substitute)
+{
+    for (std::uint32_t i = 0; i < count; ++i) {
+        to[i] = IsOld(from[i], sought) ? substitute : from[i];
+    }
+}
+
+template <typename T>
+TESSERA_WIDE_VECTORS void ReplaceEachWide(const T* from, T* to, std::uint32_t count, T sought, T substitute)
+{
+    ReplaceEach(from, to, count, sought, substitute);
+}
+
+template <typename T>
 void ReplaceNumbers(const void* cells, void* results, std::uint32_t count, const void* oldValue, const void* newValue)
 {
     const auto* from = static_cast<const T*>(cells);
     auto* to = static_cast<T*>(results);
     const T sought = *static_cast<const T*>(oldValue);
     const T substitute = *static_cast<const T*>(newValue);
-    for (std::uint32_t i = 0; i < count; ++i) {
-        to[i] = IsOld(from[i], sought) ? substitute : from[i];
-    }
+    HasWideVectors() ? ReplaceEachWide(from, to, count, sought, substitute)
+                     : ReplaceEach(from, to, count, sought, substitute);
 }
 
 void ReplaceTexts(const void* cells, void* results, std::uint32_t count, const void* oldValue, const void* newValue)
@@ -125,6 +141,19 @@ bool IsNan(const void* cell, MERVO_TESSERA_TYPEID type)
         (type == TESSERA_DOUBLE && std::isnan(*static_cast<const double*>(cell)));
 }
 
+/// Whether a text can stand for all that it is to replace. They are counted only where it is long for so many cells.
+bool HasRoomForTexts(const Cursor& src, const void* oldValue, const void* newValue)
+{
+    const auto& sought = *static_cast<const std::string*>(oldValue);
+    const auto& substitute = *static_cast<const std::string*>(newValue);
+    if (HasRoomFor(src->Length(), substitute.size())) {
+        return true;
+    }
+    std::uint64_t found = 0;
+    ForEachElement<std::string>(src, [&](const std::string& text) { found += text == sought ? 1 : 0; });
+    return HasRoomFor(found, substitute.size());
+}
+
 ErrorCode ReplaceCells(
     const Cursor& src, const Cursor& dst, const ReplaceArgument& oldArgument, const ReplaceArgument& newArgument)
 {
@@ -147,7 +176,10 @@ ErrorCode ReplaceCells(
     if (code != ERROR_NONE) {
         return code;
     }
-    ForEachBlock(src, dst, [&](const void* cells, void* results, std::uint32_t count) {
+    if (type == TESSERA_STRING && !HasRoomForTexts(src, oldValue.Cell(), newValue.Cell())) {
+        return ERROR_OUT_OF_MEMORY;
+    }
+    ForEachBlock(src, dst, true, [&](const void* cells, void* results, std::uint32_t count) {
         replace(cells, results, count, oldValue.Cell(), newValue.Cell());
     });
     return ERROR_NONE;

@@ -185,7 +185,7 @@ private:
         if (hasGaps) {
             FinishWithGaps(count, made);
         } else {
-            FinishSums(sums.get(), count, run.isMean ? static_cast<Real>(run.param.window) : Real{1}, made);
+            FinishSums(sums.get(), count, run.isMean ? run.param.window : 1, made);
         }
         if (cells != nullptr) {
             results.Skip(count);

@@ -151,7 +151,7 @@ ErrorCode RoundCells(const Cursor& src, const Cursor& dst, std::uint32_t decimal
         return ERROR_OUT_OF_RANGE;
     }
     const Scale& scale = SCALES[decimals];
-    ForEachBlock(src, dst, [&](const void* cells, void* results, std::uint32_t count) {
+    ForEachBlock(src, dst, false, [&](const void* cells, void* results, std::uint32_t count) {
         for (std::uint32_t copied = round(cells, results, count, scale); copied != 0; --copied) {
             LogUnderName("QVR-ZLTArray", "Round Waraning: Some elements are not rounded.");
         }

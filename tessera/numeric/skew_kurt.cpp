@@ -49,50 +49,58 @@ Present FindPresent(const Cursor& src, bool skipNan)
  * which alter no sum. From a mean that is infinite it makes NaN of sums that are infinite or NaN without it, and a
  * statistic of either comes to the same.
  */
-inline double DeviationFrom(double mean, double value)
+template <typename Number>
+[[gnu::always_inline]] inline void FindDeviation(const Number& mean, const Number& value, Number& deviation)
 {
-    const double present = value == value ? value : mean;
-    return present - mean;
+    const Number present = value == value ? value : mean;
+    deviation = present - mean;
 }
 
 /// The powers of a deviation that make the third and the second central moment: each is divided on its own.
 struct Moments {
     static constexpr double SMALLEST_SQUARE = 0x1p-600; ///< the cube of its root is CountDivisor::FUSED_FROM
 
-    static SumPair Of(double deviation)
+    template <typename Number>
+    [[gnu::always_inline]] static void Make(
+        const Number& deviation, const Number* count, Number* results, SmallestMagnitude& smallest)
     {
-        const double square = deviation * deviation;
-        return {deviation * square, square};
-    }
-    template <bool HAS_FUSED, typename Size>
-    [[gnu::always_inline]] static void Divide(const CountDivisor& count, Size size, double* cubes, double* squares)
-    {
-        const bool isFused = HAS_FUSED && AreZeroOrAtLeast(SMALLEST_SQUARE, squares, size);
-        DivideEach<HAS_FUSED>(count, isFused, cubes, size, cubes);
-        DivideEach<HAS_FUSED>(count, isFused, squares, size, squares);
+        const Number square = deviation * deviation;
+        const Number cube = deviation * square;
+        Divide(cube, count, results[0]);
+        Divide(square, count, results[1]);
+        smallest.See(square);
     }
 };
 
 /// Those that make the kurtosis, which are added up as they are.
 struct EvenPowers {
-    static SumPair Of(double deviation)
+    static constexpr double SMALLEST_SQUARE = 0.0; ///< nothing is divided
+
+    template <typename Number>
+    [[gnu::always_inline]] static void Make(const Number& deviation, const Number*, Number* results, SmallestMagnitude&)
     {
-        const double square = deviation * deviation;
-        return {square * square, square};
-    }
-    template <bool HAS_FUSED, typename Size>
-    static void Divide(const CountDivisor&, Size, double*, double*)
-    {
+        const Number square = deviation * deviation;
+        results[0] = square * square;
+        results[1] = square;
     }
 };
+
+/// The powers of one element's deviation.
+template <typename Powers>
+[[gnu::always_inline]] inline SumPair PowersOf(double value, double mean, double count)
+{
+    double deviation;
+    FindDeviation(mean, value, deviation);
+    double results[2];
+    SmallestMagnitude unused;
+    Powers::Make(deviation, &count, results, unused);
+    return {results[0], results[1]};
+}
 
 [[gnu::always_inline]] inline void AddMoments(
     SumPair& moments, std::span<const double> values, double mean, double count)
 {
-    AddTermPairs(moments, values, [mean, count](double value) -> SumPair {
-        const auto [cube, square] = Moments::Of(DeviationFrom(mean, value));
-        return {cube / count, square / count};
-    });
+    AddTermPairs(moments, values, [mean, count](double value) { return PowersOf<Moments>(value, mean, count); });
 }
 
 TESSERA_WIDE_VECTORS void AddMomentsWide(SumPair& moments, std::span<const double> values, double mean, double count)
@@ -173,8 +181,7 @@ double Kurtosis(const Cursor& src, const ShapeParam& param, double zero)
     SumPair sums;
     RealRuns<double> runs(src);
     for (auto run = runs.Next(); !run.empty(); run = runs.Next()) {
-        AddTermPairs(
-            sums, run, [mean = present.mean](double value) { return EvenPowers::Of(DeviationFrom(mean, value)); });
+        AddTermPairs(sums, run, [mean = present.mean](double value) { return PowersOf<EvenPowers>(value, mean, 1.0); });
     }
     return KurtosisFrom(sums, present.count, param.bias, zero);
 }
@@ -192,29 +199,27 @@ struct MeasureShape {
     [[gnu::always_inline]] Abreast Reduce(const ColumnsAbreast& columns) const
     {
         const PresentAbreast present = SumsOfPresentAbreast<Adder>(columns);
-        std::array<std::uint32_t, COLUMNS_ABREAST> counts{};
-        std::array<CountDivisor, COLUMNS_ABREAST> divisors;
-        Abreast means;
+        Abreast counts{};
+        Abreast means{};
         for (std::size_t k = 0; k < columns.count; ++k) {
-            counts[k] = columns.length - present.missing[k];
-            divisors[k] = CountDivisor(counts[k]);
-            means[k] = divisors[k].Quotient(present.totals[k]); // NaN where nothing is present
+            counts[k] = static_cast<double>(columns.length) - present.missing[k];
+            means[k] = present.totals[k] / counts[k]; // NaN where nothing is present
         }
-        std::array<Abreast, 2> sums{};
-        AddAbreast<Adder>(sums, columns, [&](std::size_t k, const double* values, auto count, auto& terms) {
-            double* const firsts = terms[0][k].data();
-            double* const seconds = terms[1][k].data();
-            for (std::size_t i = 0; i < count; ++i) {
-                const SumPair powers = Powers::Of(DeviationFrom(means[k], values[i]));
-                firsts[i] = powers.first;
-                seconds[i] = powers.second;
-            }
-            Powers::template Divide<Adder::HAS_FUSED>(divisors[k], count, firsts, seconds);
-        });
+        const auto [divisors, reciprocals] = DivisorsAbreast(counts);
+        SmallestMagnitude smallest;
+        const auto sums = SumsAbreast<Adder, 2>(columns, ParametersAbreast<3>{means, divisors, reciprocals},
+            [&smallest](const auto& value, const auto* meanAndCount, auto* results) {
+                std::remove_cvref_t<decltype(value)> deviation;
+                FindDeviation(meanAndCount[0], value, deviation);
+                Powers::Make(deviation, meanAndCount + 1, results, smallest);
+            });
+        const bool isLossy = smallest.IsBelow(Powers::SMALLEST_SQUARE);
         Abreast shapes;
         for (std::size_t k = 0; k < columns.count; ++k) {
-            const bool isKnown = counts[k] != 0 && (present.missing[k] == 0 || param.skipNan);
-            shapes[k] = isKnown ? shapeFrom({sums[0][k], sums[1][k]}, counts[k], param.bias, EPSILON) : NO_VALUE;
+            const double both = sums[0][k] + sums[1][k]; // NaN also where an infinite power was to be divided
+            const bool isKnown = !isLossy && both == both && (present.missing[k] == 0 || param.skipNan);
+            const auto elements = static_cast<std::uint64_t>(counts[k]);
+            shapes[k] = isKnown ? shapeFrom({sums[0][k], sums[1][k]}, elements, param.bias, EPSILON) : NO_VALUE;
         }
         return shapes;
     }

@@ -59,7 +59,8 @@ struct AddUp {
     template <typename Adder>
     [[gnu::always_inline]] Abreast Reduce(const ColumnsAbreast& columns) const
     {
-        return SumsOfTermsAbreast<Adder>(columns, [](std::size_t, double value) { return value; });
+        return SumsAbreast<Adder, 1>(columns, ParametersAbreast<0>{},
+            [](const auto& value, const auto*, auto* results) { results[0] = value; })[0];
     }
 };
 

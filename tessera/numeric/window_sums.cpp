@@ -4,8 +4,10 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <type_traits>
 #include <utility>
 
+#include "tessera/numeric/count_divisor.h"
 #include "tessera/numeric/first_best.h"
 #include "tessera/numeric/plain_nan.h"
 #include "tessera/platform/multiversion.h"
@@ -120,29 +122,44 @@ void PickAddWindows(
 }
 
 template <typename Real>
-[[gnu::always_inline]] inline void FinishSumsBy(const Real* sums, std::size_t count, Real divisor, Real* results)
+void FinishSumsHere(const Real* sums, std::size_t count, std::uint32_t divisor, Real* results)
 {
     if (divisor == 1) {
         std::transform(sums, sums + count, results, [](Real sum) { return WithPlainNan(sum); });
-    } else {
-        std::transform(sums, sums + count, results, [divisor](Real sum) { return WithPlainNan(sum / divisor); });
+        return;
+    }
+    const auto each = static_cast<Real>(divisor);
+    std::transform(sums, sums + count, results, [each](Real sum) { return WithPlainNan(sum / each); });
+}
+
+#ifdef TESSERA_WIDE_VECTOR_BYTES
+TESSERA_WIDE_VECTORS void DivideWide(const double* sums, std::size_t count, std::uint32_t divisor, double* results)
+{
+    const CountDivisor divided(divisor);
+    for (std::size_t i = 0; i < count; ++i) {
+        const double quotient = divided.FusedQuotient(sums[i]);
+        results[i] = quotient == quotient ? quotient : WithPlainNan(sums[i]); // an infinite sum is its own quotient
     }
 }
 
-template <typename Real>
-TESSERA_WIDE_VECTORS void FinishSumsWide(const Real* sums, std::size_t count, Real divisor, Real* results)
+TESSERA_WIDE_VECTORS bool AreFusable(const double* sums, std::size_t count)
 {
-    FinishSumsBy(sums, count, divisor, results);
+    return AreZeroOrAtLeast(CountDivisor::FUSED_FROM, sums, count);
 }
+#endif
 
 template <typename Real>
-void PickFinishSums(const Real* sums, std::size_t count, Real divisor, Real* results)
+void PickFinishSums(const Real* sums, std::size_t count, std::uint32_t divisor, Real* results)
 {
-    if (HasWideVectors()) {
-        FinishSumsWide(sums, count, divisor, results);
-    } else {
-        FinishSumsBy(sums, count, divisor, results);
+#ifdef TESSERA_WIDE_VECTOR_BYTES
+    if constexpr (std::is_same_v<Real, double>) {
+        if (HasWideVectors() && AreFusable(sums, count)) { // no sum is -0, which a fused quotient would lose
+            DivideWide(sums, count, divisor, results);
+            return;
+        }
     }
+#endif
+    FinishSumsHere(sums, count, divisor, results);
 }
 
 /// The largest magnitude; any number where NaN is among the values.
@@ -211,12 +228,12 @@ void AddWindows(const double* values, std::size_t count, std::size_t window, dou
     PickAddWindows(values, count, window, sums, mayGoWide);
 }
 
-void FinishSums(const float* sums, std::size_t count, float divisor, float* results)
+void FinishSums(const float* sums, std::size_t count, std::uint32_t divisor, float* results)
 {
     PickFinishSums(sums, count, divisor, results);
 }
 
-void FinishSums(const double* sums, std::size_t count, double divisor, double* results)
+void FinishSums(const double* sums, std::size_t count, std::uint32_t divisor, double* results)
 {
     PickFinishSums(sums, count, divisor, results);
 }

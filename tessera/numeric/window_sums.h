@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 namespace MERVO::Tessera::Func {
 
@@ -18,10 +19,10 @@ inline constexpr std::size_t WINDOW_SLACK = 64;
 void AddWindows(const float* values, std::size_t count, std::size_t window, float* sums, bool mayGoWide = true);
 void AddWindows(const double* values, std::size_t count, std::size_t window, double* sums, bool mayGoWide = true);
 
-/// Divides each sum by `divisor`, which is not 0, and gives every NaN the one sign and payload of plain_nan.h. The
-/// results may take the sums' own place.
-void FinishSums(const float* sums, std::size_t count, float divisor, float* results);
-void FinishSums(const double* sums, std::size_t count, double divisor, double* results);
+/// Divides each sum, none of which is -0, by `divisor`, which is not 0, and gives every NaN the one sign and payload of
+/// plain_nan.h. The results may take the sums' own place.
+void FinishSums(const float* sums, std::size_t count, std::uint32_t divisor, float* results);
+void FinishSums(const double* sums, std::size_t count, std::uint32_t divisor, double* results);
 
 /**
  * Tells whether any `window` of these values adds up without rounding, in whatever order: all are multiples of a power

@@ -7,6 +7,7 @@
 
 #include "tessera/core/bit_scan.h"
 #include "tessera/core/block.h"
+#include "tessera/core/memory_room.h"
 #include "tessera/functors/gather.h"
 #include "tessera/functors/gathered_column.h"
 #include "tessera/functors/table_combination.h"
@@ -75,6 +76,13 @@ std::optional<DataFrame> RowsAt(const DataFrameRef& table, Rows rows)
 {
     if (rows.empty() || !IsServed(table) || !Func::AreBelow(rows, table.RowCount())) {
         return std::nullopt;
+    }
+    std::uint64_t rowBytes = 0;
+    for (unsigned int k = 0; k < table.ColumnCount(); ++k) {
+        rowBytes += CellSizeOf(table.GetColumn(k)->GetTypeId());
+    }
+    if (!HasRoomFor(rows.size(), rowBytes)) { // rows may be given again and again
+        return WithoutMemory("SelectRow");
     }
     ChosenRows chosen(table, static_cast<std::uint32_t>(rows.size()));
     if (!chosen.HasRoom()) {

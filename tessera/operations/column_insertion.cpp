@@ -2,12 +2,13 @@
 #include <numeric>
 #include <utility>
 
+#include "tessera/core/flat_call.h"
 #include "tessera/operations/column_copies.h"
 
 namespace MERVO::Tessera {
 
 ErrorCode DataFrame::InsertColInplace(const DataFrame& other, const unsigned int& position)
-{
+try {
     for (const DataFrame* table : {static_cast<const DataFrame*>(this), &other}) {
         if (table->error.code != ERROR_NONE) {
             LogError("Invalid dataframe %d for inserting column inplace operation", table->error.code);
@@ -44,11 +45,14 @@ ErrorCode DataFrame::InsertColInplace(const DataFrame& other, const unsigned int
     if (error.code != ERROR_NONE) {
         return error.code;
     }
+    series->reserve(series->size() + copies.size()); // behind this nothing fails
     series->insert(series->begin() + static_cast<std::ptrdiff_t>(position), std::make_move_iterator(copies.begin()),
         std::make_move_iterator(copies.end()));
     isColNameDirty = true;
     RefreshShape();
     return error.code;
+} catch (...) { // no memory
+    return KeepNoMemory(*this);
 }
 
 ErrorCode DataFrame::AppendColInplace(const DataFrame& other) { return InsertColInplace(other, ColumnCount()); }

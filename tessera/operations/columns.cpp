@@ -47,7 +47,7 @@ constexpr const char* NAMES_FAILED = "Error on transformming string list to inde
 } // namespace
 
 DataFrame DataFrame::SelectCol(const Positions& index) const
-{
+try {
     if (error.code != ERROR_NONE) {
         LogError("Invalid dataFrame %d", error.code);
         return FailedTable(error.code, error.message);
@@ -60,24 +60,30 @@ DataFrame DataFrame::SelectCol(const Positions& index) const
         }
     }
     return CopiesOf(whole, index);
+} catch (...) { // no memory
+    return Func::TableWithoutMemory("SelectCol");
 }
 
 DataFrame DataFrame::SelectCol(const std::vector<std::string>& names) const
-{
+try {
     Positions index;
     const ErrorCode code = GetIndexVector(index, names);
     return code == ERROR_NONE ? SelectCol(index) : FailedTable(code, NAMES_FAILED);
+} catch (...) { // no memory
+    return Func::TableWithoutMemory("SelectCol");
 }
 
 DataFrame DataFrame::SelectCol(const DataFrame& boolFilter) const
-{
+try {
     constexpr FilterTexts TEXTS{"Invalid dataframe %d selecting column", "Invalid boolFilter %d selecting column",
         "Select column shape mismatch, boolFilter[%d, %d], this[%d, %d]", "SelectCol received invalid bool dataframe."};
     return FilterColumns(*this, boolFilter, true, TEXTS);
+} catch (...) { // no memory
+    return Func::TableWithoutMemory("SelectCol");
 }
 
 DataFrame DataFrame::DropCol(const Positions& index) const
-{
+try {
     if (error.code != ERROR_NONE) {
         LogError("the input dataframe is invalid : %d", error.code);
         return DataFrame(*this);
@@ -100,10 +106,12 @@ DataFrame DataFrame::DropCol(const Positions& index) const
         }
     }
     return SelectCol(kept);
+} catch (...) { // no memory
+    return Func::TableWithoutMemory("DropCol");
 }
 
 DataFrame DataFrame::DropCol(const std::vector<std::string>& names) const
-{
+try {
     Positions index;
     const ErrorCode code = GetIndexVector(index, names);
     if (code != ERROR_NONE) {
@@ -111,13 +119,17 @@ DataFrame DataFrame::DropCol(const std::vector<std::string>& names) const
         return FailedTable(code, "this is from dropcol by nameList");
     }
     return DropCol(index);
+} catch (...) { // no memory
+    return Func::TableWithoutMemory("DropCol");
 }
 
 DataFrame DataFrame::DropCol(const DataFrame& boolFilter) const
-{
+try {
     constexpr FilterTexts TEXTS{
         "Invalid dataframe %d", "Invalid boolFilter %d", nullptr, "DropNan received invalid bool dataframe."};
     return FilterColumns(*this, boolFilter, false, TEXTS);
+} catch (...) { // no memory
+    return Func::TableWithoutMemory("DropCol");
 }
 
 ErrorCode DataFrame::SelectColInplace(const Positions& index)

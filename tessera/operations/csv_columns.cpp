@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "tessera/core/memory_room.h"
 #include "tessera/core/short_number.h"
 #include "tessera/functors/assign_text.h"
 #include "tessera/functors/cell_conversion.h"
@@ -84,7 +85,14 @@ ErrorCode RefuseForMemory(std::size_t rows, std::size_t columns)
 
 ErrorCode CsvColumns::Build(const std::vector<std::string_view>& names, const DataFrame::Types& types, std::size_t rows)
 {
-    if (rows > std::numeric_limits<std::uint32_t>::max()) {
+    // Fields may be empty, and a column's own memory is far more than its name in the file.
+    constexpr std::uint64_t COLUMN_BYTES = 256;
+    std::uint64_t rowBytes = 0;
+    for (const MERVO_TESSERA_TYPEID type : types) {
+        rowBytes += CellSizeOf(type);
+    }
+    if (rows > std::numeric_limits<std::uint32_t>::max() || !HasRoomFor(rows, rowBytes) ||
+        !HasRoomFor(types.size(), COLUMN_BYTES)) {
         return RefuseForMemory(rows, types.size());
     }
     for (std::size_t c = 0; c < types.size(); ++c) {

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "tessera/core/data_frame.h"
+#include "tessera/core/window_bounds.h"
 #include "tessera/functors/error_functors.h"
 #include "tessera/functors/table_combination.h"
 #include "tessera/operations/nan_counts.h"
@@ -61,7 +62,7 @@ DataFrame DropRowsByNans(const DataFrame& table, const Positions& positions, std
         sources.emplace_back(column);
     }
     const DataFrame filter = GetEmptyDataFrame({table.RowCount(), 1}, TESSERA_BOOL);
-    const Cursor marks = filter.GetColumn(0)->GetIterator();
+    const Cursor marks = filter.GetSlicedIterator(filter.GetColumn(0));
     if (marks == nullptr) {
         return FailedTable(ERROR_OUT_OF_MEMORY, texts.noMemory);
     }
@@ -75,12 +76,20 @@ DataFrame DropColumnsByNans(const DataFrame& table, std::uint32_t limit, bool dr
     if (table.ColumnCount() == 0) {
         return FailedTable(ERROR_EMPTY_TABLE, failure);
     }
-    DataFrame filter = GetEmptyDataFrame({1, table.ColumnCount()}, TESSERA_BOOL);
     for (unsigned int k = 0; k < table.ColumnCount(); ++k) {
-        const Cursor column = table.GetSlicedIterator(table.GetColumn(k));
-        const Error refusal = RefusalOf(column, "IsNan");
+        const Error refusal = RefusalOf(table.GetSlicedIterator(table.GetColumn(k)), "IsNan");
         if (refusal.code != ERROR_NONE) {
             return FailedTable(refusal.code, failure);
+        }
+    }
+    DataFrame filter = GetEmptyDataFrame({1, table.ColumnCount()}, TESSERA_BOOL);
+    if (filter.GetError().code != ERROR_NONE) {
+        return FailedTable(ERROR_OUT_OF_MEMORY, failure);
+    }
+    for (unsigned int k = 0; k < table.ColumnCount(); ++k) {
+        const Cursor column = table.GetSlicedIterator(table.GetColumn(k));
+        if (column == nullptr) {
+            return FailedTable(ERROR_OUT_OF_MEMORY, failure);
         }
         const bool goes = table.RowCount() == 0 ? dropsEmpty : HasMoreNans(NanSource(column), table.RowCount(), limit);
         if (!SetValueToIterator<bool>(filter.GetColumn(k)->GetIterator(), goes, 0)) {
@@ -101,8 +110,10 @@ bool DataFrame::DropNanRowPreCheck(const Positions&, std::set<std::uint32_t>& co
         return false;
     }
     if (columns.empty()) {
-        for (std::uint32_t position = 0; position < ColumnCount(); ++position) {
+        bool isThere = true; // one that is not is refused later; more of them need no mention
+        for (std::uint32_t position = 0; isThere && position < ColumnCount(); ++position) {
             columns.insert(columns.end(), position);
+            isThere = GetColumn(position) != nullptr;
         }
     } else if (*columns.rbegin() >= ColumnCount()) {
         code = ERROR_OUT_OF_RANGE;
@@ -119,6 +130,10 @@ bool DataFrame::DropNanRowThreshCheck(Positions& subset, ErrorCode& code) const
         code = error.code;
         return false;
     }
+    if (subset.empty() && IsFarBeyondColumns(*this)) {
+        code = ERROR_BAD_VALUE;
+        return false;
+    }
     if (subset.empty()) {
         subset.resize(ColumnCount());
         std::iota(subset.begin(), subset.end(), 0U);
@@ -130,7 +145,7 @@ bool DataFrame::DropNanRowThreshCheck(Positions& subset, ErrorCode& code) const
 }
 
 DataFrame DataFrame::DropNanRow(bool any, const Positions& subset) const
-{
+try {
     std::set<std::uint32_t> columns(subset.begin(), subset.end());
     ErrorCode code = ERROR_NONE;
     if (!DropNanRowPreCheck(subset, columns, code)) {
@@ -140,17 +155,21 @@ DataFrame DataFrame::DropNanRow(bool any, const Positions& subset) const
     const auto most = static_cast<std::uint32_t>(columns.size() - 1);
     return DropRowsByNans(*this, Positions(columns.begin(), columns.end()), any ? 0 : most,
         {"IsNan", "Out of memory on DropNanRow(any)"});
+} catch (...) { // no memory
+    return Func::TableWithoutMemory("DropNanRow");
 }
 
 DataFrame DataFrame::DropNanRow(bool any, const Names& subset) const
-{
+try {
     Positions positions;
     const ErrorCode code = PositionsOf(*this, subset, positions);
     return code == ERROR_NONE ? DropNanRow(any, positions) : FailedTable(code, ANY_REFUSED);
+} catch (...) { // no memory
+    return Func::TableWithoutMemory("DropNanRow");
 }
 
 DataFrame DataFrame::DropNanRow(int thresh, const Positions& subset) const
-{
+try {
     Positions columns = subset;
     ErrorCode code = ERROR_NONE;
     if (!DropNanRowThreshCheck(columns, code)) {
@@ -171,28 +190,34 @@ DataFrame DataFrame::DropNanRow(int thresh, const Positions& subset) const
         return DropRow(Positions{}); // which refuses a table without rows
     }
     return result;
+} catch (...) { // no memory
+    return Func::TableWithoutMemory("DropNanRow");
 }
 
 DataFrame DataFrame::DropNanRow(int thresh, const Names& subset) const
-{
+try {
     Positions positions;
     const ErrorCode code = PositionsOf(*this, subset, positions);
     return code == ERROR_NONE ? DropNanRow(thresh, positions)
                               : FailedTable(code, "DropNanRow(thresh, subset) check param failed");
+} catch (...) { // no memory
+    return Func::TableWithoutMemory("DropNanRow");
 }
 
 DataFrame DataFrame::DropNanCol(bool any) const
-{
+try {
     if (error.code != ERROR_NONE) {
         LogError("Dataframe %d invalid.", error.code);
         return FailedTable(error.code, "Dataframe " + std::to_string(error.code) + " invalid.");
     }
     const std::uint32_t most = RowCount() == 0 ? 0 : RowCount() - 1;
     return DropColumnsByNans(*this, any ? 0 : most, !any, "Drop nan error on calculate isnan.");
+} catch (...) { // no memory
+    return Func::TableWithoutMemory("DropNanCol");
 }
 
 DataFrame DataFrame::DropNanCol(int thresh) const
-{
+try {
     if (error.code != ERROR_NONE) {
         LogError("DropNanCol(thresh): Dataframe %d invalid.", error.code);
         return FailedTable(error.code, error.message);
@@ -206,6 +231,8 @@ DataFrame DataFrame::DropNanCol(int thresh) const
         return {};
     }
     return DropColumnsByNans(*this, RowCount() - wanted, false, "DropNanCol(thresh): Error on calculate isnan");
+} catch (...) { // no memory
+    return Func::TableWithoutMemory("DropNanCol");
 }
 
 ErrorCode DataFrame::DropNanRowInplace(bool any, const Positions& subset)

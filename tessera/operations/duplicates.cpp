@@ -6,6 +6,8 @@
 
 #include "tessera/core/bit_bytes.h"
 #include "tessera/core/data_frame.h"
+#include "tessera/core/flat_call.h"
+#include "tessera/core/window_bounds.h"
 #include "tessera/functors/apply_nullary.h"
 #include "tessera/functors/column_runs.h"
 #include "tessera/functors/functor_factory.h"
@@ -57,7 +59,7 @@ Marks MarksBySorting(DataFrame& table, KeptRow kept)
 {
     bool ascending = true;
     bool sorted = true;
-    Positions order(table.RowCount());
+    Positions order(HasRows(table, table.GetColumn(0)) ? table.RowCount() : 0); // else the functor refuses
     std::iota(order.begin(), order.end(), 0U);
     using Sorting = Func::FunctorFactory<Func::SortIndex, Func::NullaryBase, Positions&, bool&, bool&>;
     if (!RunOverColumns(table, Sorting{order, ascending, sorted})) {
@@ -176,7 +178,7 @@ DataFrame DataFrame::Duplicated(const std::vector<std::uint32_t>& subset, const 
 }
 
 ErrorCode DataFrame::DropDuplicatesInplace(const std::vector<std::uint32_t>& subset, const std::string& keep)
-{
+try {
     const DataFrame repeats = Duplicated(subset, keep);
     if (repeats.GetError().code != ERROR_NONE) {
         LogError("invalid dataframe while calling DropDuplicatesInplace: %d", repeats.GetError().code);
@@ -187,10 +189,12 @@ ErrorCode DataFrame::DropDuplicatesInplace(const std::vector<std::uint32_t>& sub
         LogError("Drop duplicates failed");
     }
     return code;
+} catch (...) { // no memory
+    return TellNoMemory("DropDuplicatesInplace");
 }
 
 DataFrame DataFrame::DropDuplicatesOutplace(const std::vector<std::uint32_t>& subset, const std::string& keep) const
-{
+try {
     DataFrame result;
     result.ShallowCopy(*this); // dropping makes new columns
     const ErrorCode code = result.DropDuplicatesInplace(subset, keep);
@@ -198,6 +202,8 @@ DataFrame DataFrame::DropDuplicatesOutplace(const std::vector<std::uint32_t>& su
         return Func::FailedTable(code, "Drop duplicates failed");
     }
     return result;
+} catch (...) { // no memory
+    return Func::TableWithoutMemory("DropDuplicatesOutplace");
 }
 
 } // namespace MERVO::Tessera

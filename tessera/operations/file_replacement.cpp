@@ -2,11 +2,12 @@
 
 #include "tessera/operations/file_replacement.h"
 
+#include <array>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
-#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -39,6 +40,9 @@ FileReplacement::~FileReplacement()
     if (!temporary.empty()) {
         ::unlink(temporary.c_str());
     }
+    if (isMade) {
+        ::unlink(target.c_str());
+    }
 }
 
 bool FileReplacement::Fail(const char* what, int error) const
@@ -50,6 +54,7 @@ bool FileReplacement::Fail(const char* what, int error) const
 bool FileReplacement::Open(const std::string& path)
 {
     target = path;
+    bool isNew = false;
     if (path.empty()) {
         return Fail("open", ENOENT);
     }
@@ -59,6 +64,7 @@ bool FileReplacement::Open(const std::string& path)
             return OpenBeside();
         }
         previous = FileDescriptor(path, O_WRONLY | O_CREAT, NEW_FILE_PERMISSIONS); // where the link leads
+        isNew = true;
     }
     struct stat status {};
     if (!previous.IsOpen() || ::fstat(previous.Get(), &status) != 0) {
@@ -68,11 +74,12 @@ bool FileReplacement::Open(const std::string& path)
         file = std::move(previous);
         return true;
     }
-    const std::unique_ptr<char, decltype(&std::free)> resolved(::realpath(path.c_str(), nullptr), &std::free);
-    if (resolved == nullptr) {
+    std::array<char, PATH_MAX> resolved;
+    if (::realpath(path.c_str(), resolved.data()) == nullptr) {
         return Fail("open", errno);
     }
-    target = resolved.get();
+    target = resolved.data();
+    isMade = isNew && status.st_size == 0;
     return OpenBeside();
 }
 
@@ -135,6 +142,7 @@ bool FileReplacement::Commit()
         return Fail("replace", errno);
     }
     temporary.clear();
+    isMade = false;
     return true;
 }
 

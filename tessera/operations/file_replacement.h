@@ -37,6 +37,7 @@ private:
     FileDescriptor previous; ///< what is to be replaced, if there is something
     std::string target;
     std::string temporary; ///< empty where the target itself is written
+    bool isMade = false;   ///< whether the target is an empty file of ours until Commit
 };
 
 } // namespace MERVO::Tessera

@@ -12,6 +12,7 @@
 #include <unistd.h>
 #include <utility>
 
+#include "tessera/core/memory_room.h"
 #include "tessera/platform/logger.h"
 
 namespace MERVO::Tessera {
@@ -49,7 +50,8 @@ ErrorCode FileText::Open(const std::string& path, std::size_t guardSize)
 bool FileText::Reserve(std::size_t wanted)
 {
     const std::size_t room = wanted + guard;
-    Block<char> block = room < wanted ? nullptr : MakeBlock<char>(room);
+    const bool hasRoom = room >= wanted && HasRoomFor(std::uint64_t{room} + size, 1); // a pipe may have no end
+    Block<char> block = hasRoom ? MakeBlock<char>(room) : nullptr;
     if (block == nullptr) {
         return false;
     }

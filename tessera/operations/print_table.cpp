@@ -49,8 +49,10 @@ std::string CellText(const Cursor& cell)
 {
     if constexpr (std::is_same_v<T, bool>) {
         return GetValueFromIterator<bool>(cell, 0) ? "true" : "false";
+    } else if (cell->IsMemoryContiguous()) { // and not from a copy, which of a nested table may be large
+        return ElementText(*CursorAs<CONTAINER_ARRAY, T>(cell).mHead);
     } else {
-        return ElementText(GetValueFromIterator<T>(cell, 0));
+        return ElementText(*CursorAs<CONTAINER_LIST, T>(cell).mHead);
     }
 }
 

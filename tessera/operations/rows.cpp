@@ -70,22 +70,26 @@ DataFrame Applied(const UnaryFactory& factory, const DataFrame& table)
 } // namespace
 
 DataFrame DataFrame::SelectRow(const DataFrame& boolFilter) const
-{
+try {
     constexpr FilterTexts TEXTS{"Invalid dataframe %d while selecting row for DataFrame",
         "Invalid boolFilter %d while selecting row", "Select row shape mismatch, boolFilter[%d, %d], this[%d, %d]",
         "SelectRow received invalid bool dataframe."};
     return FilterRows(*this, boolFilter, true, Func::FunctorFactory<Func::SelectRowByBool, Func::BinaryBase>{}, TEXTS);
+} catch (...) { // no memory
+    return Func::TableWithoutMemory("SelectRow");
 }
 
 DataFrame DataFrame::DropRow(const DataFrame& boolFilter) const
-{
+try {
     constexpr FilterTexts TEXTS{"Invalid dataframe %d while dropping row", "Invalid boolFilter %d while dropping row",
         nullptr, "DropNan received invalid bool dataframe."};
     return FilterRows(*this, boolFilter, false, Func::FunctorFactory<Func::DropRowByBool, Func::BinaryBase>{}, TEXTS);
+} catch (...) { // no memory
+    return Func::TableWithoutMemory("DropRow");
 }
 
 DataFrame DataFrame::SelectRow(const std::vector<std::uint32_t>& index) const
-{
+try {
     if (error.code != ERROR_NONE) {
         LogError("Invalid dataframe %d while selecting row for vector", error.code);
         return FailedTable(error.code, error.message);
@@ -98,10 +102,12 @@ DataFrame DataFrame::SelectRow(const std::vector<std::uint32_t>& index) const
     }
     using Factory = Func::FunctorFactory<Func::SelectRow, Func::UnaryBase, const std::vector<std::uint32_t>&>;
     return Applied(Factory{index}, *this);
+} catch (...) { // no memory
+    return Func::TableWithoutMemory("SelectRow");
 }
 
 DataFrame DataFrame::DropRow(const std::vector<std::uint32_t>& index) const
-{
+try {
     if (error.code != ERROR_NONE) {
         LogError("Invalid dataframe on drop row %d", error.code);
         return FailedTable(error.code, error.message);
@@ -126,6 +132,8 @@ DataFrame DataFrame::DropRow(const std::vector<std::uint32_t>& index) const
         rows.Add(row);
     }
     return Applied(Func::FunctorFactory<Func::DropRow, Func::UnaryBase, const DroppedRows&>{rows}, *this);
+} catch (...) { // no memory
+    return Func::TableWithoutMemory("DropRow");
 }
 
 ErrorCode DataFrame::SelectRowInplace(const DataFrame& boolFilter)

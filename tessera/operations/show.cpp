@@ -4,6 +4,7 @@
 #include "tessera/core/element_text.h"
 #include "tessera/core/flat_call.h"
 #include "tessera/core/handles.h"
+#include "tessera/core/window_bounds.h"
 
 namespace MERVO::Tessera {
 namespace {
@@ -19,7 +20,7 @@ std::string ColumnHeading(unsigned int number, const SeriesPtr& column)
 } // namespace
 
 void DataFrameView::Show(const std::string& message) const
-{
+try {
     if (RefreshColumnName() != ERROR_NONE) {
         return;
     }
@@ -42,7 +43,7 @@ void DataFrameView::Show(const std::string& message) const
         PrintText("[" + name + "," + std::to_string(place) + "] ");
     }
     EndPrintedLine();
-    for (unsigned int k = 0; k < ColumnCount(); ++k) {
+    for (unsigned int k = 0; k < (IsFarBeyondColumns(*this) ? 0 : ColumnCount()); ++k) {
         const SeriesPtr& column = GetColumn(k);
         PrintText(ColumnHeading(k, column));
         if (column == nullptr) {
@@ -56,6 +57,8 @@ void DataFrameView::Show(const std::string& message) const
     }
     PrintText("------------------------- end -------------------------");
     EndPrintedLine();
+} catch (...) { // no memory
+    static_cast<void>(TellNoMemory("Show"));
 }
 
 } // namespace MERVO::Tessera

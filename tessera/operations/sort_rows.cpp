@@ -1,10 +1,12 @@
 #include <algorithm>
 #include <numeric>
+#include <set>
 #include <utility>
 
 #include "tessera/core/data_frame.h"
 #include "tessera/core/flat_call.h"
 #include "tessera/core/raw_texts.h"
+#include "tessera/core/window_bounds.h"
 #include "tessera/functors/column_runs.h"
 #include "tessera/functors/functor_factory.h"
 #include "tessera/operations/row_permutation.h"
@@ -110,18 +112,18 @@ Error DataFrameRef::PermuteBySelection(const Positions& positions, bool isOwner)
 
 ErrorCode DataFrameRef::SortByPositions(const Positions& keys, bool ascending)
 {
-    std::vector<bool> isGiven(ColumnCount());
+    std::set<std::uint32_t> given;
     Positions order; // each key once
     for (const std::uint32_t key : keys) {
-        if (key >= ColumnCount() || !isGiven[key]) {
+        if (key >= ColumnCount() || given.insert(key).second) {
             order.push_back(key);
         }
-        if (key < ColumnCount()) {
-            isGiven[key] = true;
-        }
     }
-    Positions index(RowCount());
-    std::iota(index.begin(), index.end(), 0U);
+    Positions index;
+    if (HasRows(*this, GetColumn(order.back()))) { // else the functor refuses, however many the window claims
+        index.resize(RowCount());
+        std::iota(index.begin(), index.end(), 0U);
+    }
     const Func::FunctorFactory<Func::SortIndex, Func::NullaryBase, Positions&, bool> make(index, ascending);
     for (auto key = order.rbegin(); key != order.rend(); ++key) {
         if (*key >= ColumnCount()) {

@@ -6,6 +6,7 @@
 
 #include "tessera/core/block.h"
 #include "tessera/operations/key_prefix.h"
+#include "tessera/operations/merge_sort.h"
 #include "tessera/operations/radix_pairs.h"
 
 namespace MERVO::Tessera {
@@ -241,8 +242,8 @@ void StableOrder::OrderWithNan(Positions positions, std::uint64_t* words) const
         const std::uint64_t key = words[i]; // a pair lies over keys that have had their turn
         new (pairs + i) Pair{key, positions[i]};
     }
-    std::stable_sort(pairs, pairs + positions.size(),
-        [this](const Pair& left, const Pair& right) { return IsLess(left.key, right.key); });
+    const auto isLess = [this](const Pair& left, const Pair& right) { return IsLess(left.key, right.key); };
+    MergeSort<Pair, decltype(isLess)>(isLess).Sort(pairs, positions.size());
     for (std::size_t i = 0; i < positions.size(); ++i) {
         positions[i] = static_cast<std::uint32_t>(pairs[i].position);
     }

@@ -1,12 +1,17 @@
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <utility>
 #include <vector>
 
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
 #include "tessera/core/table_reader.h"
+#include "tessera/functors/cell_place.h"
 #include "tessera/functors/copy_series.h"
 #include "tessera/functors/functor_factory.h"
+#include "tessera/functors/table_combination.h"
+#include "tessera/platform/streaming_store.h"
 
 namespace MERVO::Tessera {
 namespace {
@@ -16,10 +21,53 @@ constexpr unsigned int MOST_ROWS = 1024;
 using Cursors = std::vector<Cursor>;
 using TransposeKernel = void (*)(const Cursors& sources, const Cursors& results);
 
+std::vector<std::byte*> HeadsOf(const Cursors& columns)
+{
+    std::vector<std::byte*> heads(columns.size());
+    std::transform(columns.begin(), columns.end(), heads.begin(),
+        [](const Cursor& column) { return Func::CellPlace(column).element; });
+    return heads;
+}
+
+/// Turns numbers tile by tile. A tile's rows are whole lines of the cache in the results, which would otherwise be read
+/// before they are written, each from memory, as no two follow each other. Working set: a place per column.
+template <std::size_t SIZE>
+void StreamCells(const Cursors& sources, const Cursors& results)
+{
+    constexpr std::size_t ROWS = 16;
+    constexpr std::size_t COLUMNS = 256 / SIZE;
+    using Cell = std::array<std::byte, SIZE>;
+    const std::vector<std::byte*> from = HeadsOf(sources);
+    const std::vector<std::byte*> to = HeadsOf(results);
+    std::array<std::array<Cell, COLUMNS>, ROWS> tile;
+    for (std::size_t column = 0; column < from.size(); column += COLUMNS) {
+        const std::size_t columns = std::min(COLUMNS, from.size() - column);
+        for (std::size_t row = 0; row < to.size(); row += ROWS) {
+            const std::size_t rows = std::min(ROWS, to.size() - row);
+            for (std::size_t c = 0; c < columns; ++c) {
+                const Cell* const cells = reinterpret_cast<const Cell*>(from[column + c]) + row;
+                for (std::size_t r = 0; r < rows; ++r) {
+                    tile[r][c] = cells[r];
+                }
+            }
+            for (std::size_t r = 0; r < rows; ++r) {
+                StreamBytes(to[row + r] + column * SIZE, tile[r][0].data(), columns * SIZE);
+            }
+        }
+    }
+    FinishStreaming();
+}
+
 /// Result column r takes element r of each source column. Working set: a place per source column.
 template <typename T>
 void TransposeCells(const Cursors& sources, const Cursors& results)
 {
+    if constexpr (Arithmetic<T> && !std::is_same_v<T, bool>) {
+        if (HasStreamingStores() && sources.size() * results.size() >= STREAMED_FROM / sizeof(T)) {
+            StreamCells<sizeof(T)>(sources, results);
+            return;
+        }
+    }
     std::vector<typename Iterator<CONTAINER_ARRAY, T>::Position> heads(sources.size());
     std::transform(sources.begin(), sources.end(), heads.begin(),
         [](const Cursor& source) { return CursorAs<CONTAINER_ARRAY, T>(source).mHead; });
@@ -75,7 +123,7 @@ Error Refusal(const DataFrameRef& table)
 } // namespace
 
 DataFrame DataFrameRef::Transpose() const
-{
+try {
     const Error refusal = Refusal(*this);
     if (refusal.code != ERROR_NONE) {
         return Failed(refusal.code, refusal.message);
@@ -104,6 +152,8 @@ DataFrame DataFrameRef::Transpose() const
     }
     TRANSPOSE_KERNELS[static_cast<std::size_t>(attr.typeId)](sources, results);
     return DataFrame(std::move(columns));
+} catch (...) { // no memory
+    return Func::TableWithoutMemory("Transpose");
 }
 
 } // namespace MERVO::Tessera

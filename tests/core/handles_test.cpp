@@ -278,22 +278,5 @@ TEST(Handle, IsNotMadeWithoutMemory)
     EXPECT_TRUE(log.Has(1, "[MERVO_TSR_CreateDF] Create MERVO_TSR_CONTEXT failed"));
 }
 
-TEST(Readers, SurviveWantOfMemoryAnywhere)
-{
-    const std::vector<std::string> texts(20, std::string(100, 'x'));
-    const Handle table(TableOf(Column<std::string>("a", texts), Column<std::string>("b", texts)));
-    for (AllocationRounds rounds; rounds.Next();) {
-        Result<std::string> result(20, 2);
-        int32_t code = 0;
-        {
-            const FailingAllocation failing(rounds.Spared());
-            code = MERVO_TSR_GetResultString(table.Get(), &result.record);
-        }
-        ASSERT_EQ(code, FailingAllocation::HasFailed() ? 3 : 0) << "allocation " << rounds.Spared();
-        ASSERT_TRUE(code != 0 || result.Cells(40) == std::vector<std::string>(40, texts[0]));
-        ASSERT_EQ(table.Table().GetError().code, 0);
-    }
-}
-
 } // namespace
 } // namespace MERVO::Tessera

@@ -3,7 +3,6 @@
 
 #include <functional>
 
-#include "tests/support/failing_allocation.h"
 #include "tests/support/handle.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/sample_columns.h"
@@ -174,36 +173,6 @@ TEST(Loaders, TellABadCastAndKeepTheColumnsBeforeIt)
         EXPECT_EQ(table.Table().ColumnCount(), 1U);
         EXPECT_EQ(table.Table().RowCount(), 2U);
         EXPECT_EQ(table.Table().GetColumn(0)->GetTypeId(), types[0]);
-    }
-}
-
-// The table then holds what it held, or a failure with its code.
-TEST(Loaders, SurviveWantOfMemoryAnywhere)
-{
-    const std::string longText(100, 'x');
-    const char* const texts[] = {"1", longText.c_str(), "3", longText.c_str()};
-    const MERVO_TESSERA_TYPEID types[] = {TESSERA_INT32, TESSERA_STRING};
-    const MERVO_TSR_SHAPE shape{2, 2, types};
-    for (AllocationRounds rounds; rounds.Next();) {
-        const Handle table(TableOf(Column<double>("kept", {1.5, 2.5, 3.5})));
-        int32_t code = 0;
-        {
-            const FailingAllocation failing(rounds.Spared());
-            code = ReadDataString(table.Get(), texts, &shape);
-        }
-        const DataFrame& held = table.Table();
-        SCOPED_TRACE(std::to_string(rounds.Spared()) + " gave " + std::to_string(code));
-        ASSERT_EQ(code == 0, !FailingAllocation::HasFailed());
-        if (code == 3) {
-            ASSERT_THAT(held.To1DVector<double>(), ElementsAre(1.5, 2.5, 3.5));
-            ASSERT_EQ(held.GetError().code, 0);
-        } else if (code == 34) {
-            ASSERT_NE(held.GetError().code, 0);
-            ASSERT_EQ(held.GetColIndex()[1], held.ColumnCount());
-        } else {
-            ASSERT_EQ(code, 0);
-            ASSERT_THAT(held["col_1"].To1DVector<std::string>(), ElementsAre(longText, longText));
-        }
     }
 }
 

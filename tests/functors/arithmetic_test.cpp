@@ -1,4 +1,5 @@
 #include <cmath>
+#include <numeric>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -335,6 +336,38 @@ TEST(ArithmeticOperator, ComputesColumnByColumn)
         EXPECT_EQ(window.GetError().code, 0);
         EXPECT_EQ(IntegersOf(base), (Columns{{17, wanted.of17And5}, {100, wanted.of17And5}}));
     }
+}
+
+template <typename T>
+std::vector<T> Counting(std::size_t count)
+{
+    std::vector<T> numbers(count);
+    std::iota(numbers.begin(), numbers.end(), T{});
+    return numbers;
+}
+
+/// Results of many blocks, that begin anywhere between the lines of the cache.
+template <typename T>
+void ExpectSumsOfLargeWindows()
+{
+    constexpr auto ROWS = static_cast<unsigned int>((std::size_t{4} << 20) / sizeof(T) + 1000);
+    for (const unsigned int first : {0U, 1U, 3U, 8U}) {
+        std::vector<T> cells = Counting<T>(ROWS);
+        DataFrame base = TableOf(Column<T>("n", cells));
+        DataFrameRef window = base.Slice({first, ROWS - 1}, {0, 1});
+        window += TableOf(Column<T>("n", Counting<T>(ROWS - 1 - first)));
+        ASSERT_EQ(window.GetError().code, 0);
+        for (unsigned int i = first; i < ROWS - 1; ++i) {
+            cells[i] = static_cast<T>(cells[i] + static_cast<T>(i - first));
+        }
+        EXPECT_EQ(base.To1DVector<T>(), cells) << first;
+    }
+}
+
+TEST(ArithmeticOperator, WritesLargeWindowsFromAnyRowOn)
+{
+    ExpectSumsOfLargeWindows<std::int32_t>();
+    ExpectSumsOfLargeWindows<double>();
 }
 
 TEST(ArithmeticOperator, KeepsAFailureOfNestedTablesInTheirCell)

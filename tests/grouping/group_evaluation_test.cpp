@@ -7,7 +7,6 @@
 
 #include "tests/functors/pairing.h"
 #include "tests/functors/scripted_functors.h"
-#include "tests/support/failing_allocation.h"
 #include "tests/support/handle.h"
 #include "tests/support/same_tables.h"
 
@@ -296,38 +295,6 @@ TEST(GroupEvaluation, ShowsEachGroup)
     EXPECT_THAT(shown, HasSubstr("\nnum 1\n"));
 }
 
-TEST(GroupEvaluation, SurvivesWantOfMemoryAnywhere)
-{
-    const LogCapture log;
-    Random random(5);
-    DataFrame table = RandomTable(random, 40, {TESSERA_STRING, TESSERA_INT32, TESSERA_DOUBLE});
-    const Groups groups = table.GroupBy({0}, false, true, true);
-    using Call = DataFrame (*)(const DataFrame&, const Groups&);
-    const Call calls[] = {
-        [](const DataFrame&, const Groups& present) { return present.Apply(Make<Func::IdxMax>()); },
-        [](const DataFrame&, const Groups& present) { return present.Transform(Make<Func::IdxMax>()); },
-        [](const DataFrame& whole, const Groups&) {
-            return whole.Aggregate({0, 1}, {2}, Make<Func::Std>());
-        },
-        [](const DataFrame& whole, const Groups&) { return whole.Aggregate({2}, {0}, Make<Func::Max>()); },
-        [](const DataFrame& whole, const Groups&) { return whole.TransformGroups({0}, {0}, Make<Func::Max>()); },
-    };
-    for (const Call call : calls) {
-        const DataFrame expected = call(table, groups);
-        ASSERT_EQ(expected.GetError().code, 0);
-        for (AllocationRounds rounds; rounds.Next();) {
-            DataFrame result;
-            {
-                const FailingAllocation failing(rounds.Spared());
-                result = call(table, groups);
-            }
-            ASSERT_TRUE(
-                IsSameTable(result, expected) || (FailingAllocation::HasFailed() && result.GetError().code != 0))
-                << rounds.Spared();
-        }
-    }
-}
-
 // ---- Flat call
 
 TEST(FlatGroupByTransform, PicksTheFunctorByItsNumber)
@@ -374,16 +341,6 @@ TEST(FlatGroupByTransform, RefusesWithAMessage)
         }
     }
     EXPECT_EQ(table.Table().GetError().code, 0);
-    const LogCapture log;
-    for (AllocationRounds rounds; rounds.Next();) {
-        MERVO_TSR_GROUP_ARRAY* array = nullptr;
-        {
-            const FailingAllocation failing(rounds.Spared());
-            array = MERVO_TSR_GroupBy_Transform(table.Get(), keys, 1, 0);
-        }
-        ASSERT_TRUE(array != nullptr || FailingAllocation::HasFailed());
-        MERVO_TSR_ReleaseGroupArray(&array);
-    }
 }
 
 } // namespace

@@ -7,7 +7,6 @@
 #include <numeric>
 
 #include "tests/functors/pairing.h"
-#include "tests/support/failing_allocation.h"
 #include "tests/support/handle.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/same_tables.h"
@@ -337,41 +336,6 @@ TEST(Merge, ReplacesTheTableOnlyByColumns)
     EXPECT_TRUE(IsSameTable(table,
         TableOf(Column<std::int32_t>("k", {3, 2, 1}), Column<std::string>("v_x", {"", "two", "one"}),
             Column<bool>("v_y", {false, true, false}))));
-}
-
-TEST(Merge, SurvivesWantOfMemoryAnywhere)
-{
-    const LogCapture log;
-    const DataFrame left = TableOf(Column<std::string>("k", SampleValues<std::string>(60)),
-        Column<DataFrame>("v", SampleValues<DataFrame>(60)), Column<double>("r", SampleValues<double>(60)));
-    const DataFrame right = TableOf(Column<std::string>("k", SampleValues<std::string>(40)),
-        Column<bool>("v", SampleValues<bool>(40)), Column<double>("r", SampleValues<double>(40)));
-    const Positions on{0, 2};
-    const DataFrame expected = left.Merge(right, on, on, TESSERA_JOIN_OUTER, SUFFIXES);
-    ASSERT_EQ(expected.RowCount(), 60U);
-    for (AllocationRounds rounds; rounds.Next();) {
-        DataFrame merged;
-        {
-            const FailingAllocation failing(rounds.Spared());
-            merged = left.Merge(right, on, on, TESSERA_JOIN_OUTER, SUFFIXES);
-        }
-        ASSERT_TRUE(IsSameTable(merged, expected) || (merged.GetError().code != 0 && merged.ColumnCount() == 0));
-        ASSERT_TRUE(merged.GetError().code == 0 || FailingAllocation::HasFailed());
-    }
-    const Handle leftHandle(left);
-    const Handle rightHandle(right);
-    const MERVO_TSR_MERGE_KEYS keys{on.data(), on.data(), 2};
-    for (AllocationRounds rounds; rounds.Next();) {
-        const Handle result(right);
-        uint32_t code = 0;
-        {
-            const FailingAllocation failing(rounds.Spared());
-            code = MERVO_TSR_Merge(result.Get(), leftHandle.Get(), rightHandle.Get(), &keys, 3);
-        }
-        const DataFrame& held = result.Table();
-        ASSERT_TRUE(code != 0 || IsSameTable(held, expected));
-        ASSERT_TRUE(code == 0 || held.ColumnCount() == 0 || IsSameTable(held, right));
-    }
 }
 
 // ---- Flat call

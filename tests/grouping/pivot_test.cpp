@@ -6,7 +6,6 @@
 #include <numeric>
 
 #include "tessera/tessera.hpp"
-#include "tests/support/failing_allocation.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/random.h"
 #include "tests/support/same_tables.h"
@@ -290,25 +289,6 @@ TEST(PivotTable, RefusesWithAMessageAndAnEmptyTable)
     std::iota(keys.begin(), keys.end(), 0);
     EXPECT_EQ(TableOf(Column("k", keys), Column("k", keys)).PivotTable({{0}, {0}, {1}}, sum, 0).ColumnCount(), 0U);
     EXPECT_TRUE(log.Has(1, "Too many cells in pivot table: 40000000000"));
-}
-
-TEST(PivotTable, LeavesNoExceptionForWantOfMemory)
-{
-    const LogCapture log;
-    const TableParams params{{2, 3}, {0}, {1}};
-    const DataFrame expected = Sales().PivotTable(params, Reducer<Func::Max>{}, 0);
-    for (AllocationRounds rounds; rounds.Next();) {
-        const DataFrame table = Sales();
-        const UnaryFactory creator = Reducer<Func::Max>{};
-        DataFrame result;
-        {
-            const FailingAllocation failing(rounds.Spared());
-            result = table.PivotTable(params, creator, 0);
-        }
-        const bool isEmpty = result.ColumnCount() == 0 || result.GetError().code == 3;
-        ASSERT_TRUE(IsSameTable(result, expected) || (FailingAllocation::HasFailed() && isEmpty))
-            << rounds.Spared() << IsSameTable(result, expected).message();
-    }
 }
 
 } // namespace

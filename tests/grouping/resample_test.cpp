@@ -8,7 +8,6 @@
 #include <numeric>
 
 #include "tests/functors/pairing.h"
-#include "tests/support/failing_allocation.h"
 #include "tests/support/handle.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/same_tables.h"
@@ -288,21 +287,6 @@ TEST(SamplesEvaluation, AppliesGloballyAcrossWindows)
         "Global Apply failed");
 }
 
-TEST(SamplesEvaluation, LeavesNoExceptionForWantOfMemory)
-{
-    const LogCapture log;
-    const DataFrame expected = Readings().Resample(0, DateTime(10), true, true).Apply(Reducer<Func::Sum>{});
-    for (AllocationRounds rounds; rounds.Next();) {
-        const DataFrame table = Readings(); // a new one, as a failure to list the names stays in the table
-        DataFrame result;
-        {
-            const FailingAllocation failing(rounds.Spared());
-            result = table.Resample("time", DateTime(10), true, true).Apply(Reducer<Func::Sum>{});
-        }
-        ASSERT_TRUE(IsSameTable(result, expected) || (FailingAllocation::HasFailed() && result.GetError().code != 0));
-    }
-}
-
 // ---- Functors
 
 TEST(SampleFunctors, RefuseWhatDoesNotFit)
@@ -400,14 +384,6 @@ TEST(FlatResample, MakesATableOfEachWindow)
     EXPECT_THAT(log.Texts(1),
         ElementsAre("[MERVO_TSR_Resample] Input is nullptr", "[MERVO_TSR_Resample] Input is nullptr",
             "Invalid time gap: 0", "[MERVO_TSR_Resample] Groupby length is zero"));
-    for (AllocationRounds rounds; rounds.Next();) {
-        {
-            const FailingAllocation failing(rounds.Spared());
-            array = MERVO_TSR_Resample(table.Get(), 0, 10, false, false);
-        }
-        ASSERT_EQ(array == nullptr, FailingAllocation::HasFailed()) << rounds.Spared();
-        MERVO_TSR_ReleaseGroupArray(&array);
-    }
 }
 
 } // namespace

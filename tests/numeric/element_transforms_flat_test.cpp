@@ -4,7 +4,6 @@
 
 #include <functional>
 
-#include "tests/support/failing_allocation.h"
 #include "tests/support/handle.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/sample_columns.h"
@@ -150,22 +149,6 @@ TEST_P(FlatPairs, RefuseHandlesThatHoldNothing)
                       bad == 2 ? nullptr : dst.Get()),
             33);
         EXPECT_THAT(log.Texts(1), ElementsAre(GetParam().refusal));
-    }
-}
-
-TEST_P(FlatPairs, SurviveWantOfMemory)
-{
-    for (AllocationRounds rounds; rounds.Next();) {
-        const Handle dst;
-        int32_t code = 0;
-        {
-            const FailingAllocation failing(rounds.Spared());
-            code = Call(dst);
-        }
-        ASSERT_EQ(code == 0, !FailingAllocation::HasFailed()) << "allocation " << rounds.Spared();
-        const Handle again;
-        ASSERT_EQ(Call(again), 0) << "after " << rounds.Spared();
-        ExpectResult(again.Table());
     }
 }
 

@@ -5,7 +5,6 @@
 
 #include <functional>
 
-#include "tests/support/failing_allocation.h"
 #include "tests/support/handle.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/same_tables.h"
@@ -121,23 +120,6 @@ TEST_P(FlatCalls, RefuseUnfitHandlesByTheirName)
     EXPECT_EQ(GetParam().call(good.Get(), nullptr), 33);
     const std::string text = "[MERVO_TSR_" + std::string(GetParam().name) + "] " + GetParam().refusal;
     EXPECT_THAT(log.Texts(1), ElementsAre(text, text));
-}
-
-TEST_P(FlatCalls, SurviveWantOfMemoryAnywhere)
-{
-    const Handle src(Source());
-    const DataFrame expected = Expected(src.Table());
-    for (AllocationRounds rounds; rounds.Next();) {
-        const Handle dst;
-        int32_t code = 0;
-        {
-            const FailingAllocation failing(rounds.Spared());
-            code = GetParam().call(dst.Get(), src.Get());
-        }
-        EXPECT_TRUE(code != 0 || IsSameTable(dst.Table(), expected)) << "untold after " << rounds.Spared();
-        const Handle again;
-        ASSERT_EQ(GetParam().call(again.Get(), src.Get()), 0) << "after " << rounds.Spared();
-    }
 }
 
 } // namespace

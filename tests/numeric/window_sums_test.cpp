@@ -8,6 +8,8 @@
 #include <random>
 #include <vector>
 
+#include "tessera/numeric/plain_nan.h"
+
 namespace MERVO::Tessera::Func {
 namespace {
 
@@ -55,6 +57,25 @@ TYPED_TEST(WindowSums, AreAddedInOrder)
                 AddWindows(values.data(), count, window, sums.data(), mayGoWide);
                 ASSERT_EQ(std::memcmp(sums.data(), expected.data(), count * sizeof(TypeParam)), 0)
                     << count << " windows of " << window;
+            }
+        }
+    }
+}
+
+// Of each kind of number alone and among others, since one decides how a block is divided.
+TYPED_TEST(WindowSums, AreDividedAsByDivision)
+{
+    using Limits = std::numeric_limits<TypeParam>;
+    auto values = this->Random(40);
+    for (const TypeParam odd : {TypeParam{0}, Limits::infinity(), -Limits::infinity(), Limits::quiet_NaN(),
+             -Limits::quiet_NaN(), Limits::max(), Limits::min(), Limits::denorm_min(), TypeParam{3}}) {
+        for (const std::uint32_t divisor : {1U, 3U, 49U, 4000000001U}) {
+            values[17] = odd;
+            std::vector<TypeParam> quotients(values.size());
+            FinishSums(values.data(), values.size(), divisor, quotients.data());
+            for (std::size_t i = 0; i < values.size(); ++i) {
+                const TypeParam quotient = WithPlainNan(values[i] / static_cast<TypeParam>(divisor));
+                ASSERT_EQ(std::memcmp(&quotients[i], &quotient, sizeof quotient), 0) << values[i] << " / " << divisor;
             }
         }
     }

@@ -1,3 +1,4 @@
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
@@ -9,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tessera/operations/file_replacement.h"
 #include "tessera/tessera.hpp"
 #include "tests/support/child_process.h"
 #include "tests/support/log_capture.h"
@@ -155,6 +157,69 @@ TEST_F(CsvFiles, AFileLargerThanMemoryIsRefused)
         3);
 }
 
+TEST_F(CsvFiles, AFileOfTheSystemIsReadThoughItTellsNoSize)
+{
+    DataFrame table;
+    ASSERT_EQ(table.ReadCSV<std::string>("/proc/self/status", false, "no such bytes"), 0);
+    EXPECT_THAT(table.To1DVector<std::string>(), testing::Contains(testing::StartsWith("Pid:")));
+}
+
+/// Whenever the file is cut off or written anew, what is read is no more than it ever held; a system may give zeros for
+/// what is being cut off.
+TEST_F(CsvFiles, AFileThatShrinksAndGrowsEndsWithAnAnswer)
+{
+    std::string text;
+    for (int i = 0; i < 500000; ++i) {
+        text += "1\n";
+    }
+    const std::string path = folder.Write("changing.csv", text);
+    std::atomic<bool> isOver = false;
+    std::thread writer([&] {
+        const int file = ::open(path.c_str(), O_WRONLY);
+        for (off_t part = 2; !isOver; part = part * 7 % 1000000 / 2 * 2) {
+            EXPECT_EQ(::ftruncate(file, part), 0);
+            EXPECT_GT(::pwrite(file, text.data(), text.size(), 0), 0);
+        }
+        ::close(file);
+    });
+    for (int round = 0; round < 20; ++round) {
+        DataFrame table;
+        const ErrorCode code = table.ReadCSV<std::int8_t>(path, false, ",");
+        EXPECT_TRUE(code == 0 || code == 2) << code;
+        EXPECT_LE(table.RowCount(), 500000U);
+        EXPECT_EQ(table.RowCount() == 0, code == 2);
+    }
+    isOver = true;
+    writer.join();
+}
+
+TEST_F(CsvFiles, APipeWithoutEndIsRefusedOnceMemoryIsFull)
+{
+    const std::string path = folder.Path("pipe");
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    if (HAS_OWN_ALLOCATOR) {
+        GTEST_SKIP();
+    }
+    EXPECT_EQ(InChild([&] {
+        ::signal(SIGPIPE, SIG_IGN);
+        std::thread writer([&] {
+            const std::string block(1 << 16, '1');
+            const int pipe = ::open(path.c_str(), O_WRONLY);
+            while (::write(pipe, block.data(), block.size()) > 0) {
+            }
+            ::close(pipe);
+        });
+        const rlimit small{400 << 20, 400 << 20};
+        ::setrlimit(RLIMIT_AS, &small);
+        const LogCapture log;
+        DataFrame table;
+        const ErrorCode code = table.ReadCSV<double>(path, false, ",");
+        writer.join();
+        return log.Has(1, ": Cannot allocate memory") ? code : OTHER_WORDS;
+    }),
+        3);
+}
+
 // ---- Where to write
 
 TEST_F(CsvFiles, ANewFileHasThePermissionsOfTheProcess)
@@ -286,19 +351,46 @@ TEST_F(CsvFiles, AFullDeviceIsTold)
 /// The size limit of files stands in for a full disk; its signal, at its default, would end the process.
 TEST_F(CsvFiles, WithoutRoomTheOldFileStays)
 {
-    const std::string path = folder.Write("kept.csv", "kept");
-    for (const char* name : {"kept.csv", "new.csv"}) {
+    folder.Write("kept.csv", "kept");
+    std::filesystem::create_symlink("kept.csv", folder.Path("link.csv"));
+    std::filesystem::create_symlink("new.csv", folder.Path("dangling.csv"));
+    for (const char* name : {"kept.csv", "new.csv", "link.csv", "dangling.csv"}) {
         EXPECT_EQ(InChild([&] {
             const rlimit small{100000, 100000};
             ::setrlimit(RLIMIT_FSIZE, &small);
             const LogCapture log;
             const ErrorCode code = LargeTable().ToCSV(folder.Path(name), true, ",");
-            return log.Has(1, "Failed to write " + folder.Path(name) + ": File too large") ? code : OTHER_WORDS;
+            return log.Has(1, ": File too large") ? code : OTHER_WORDS;
         }),
-            2);
+            2)
+            << name;
     }
-    EXPECT_THAT(folder.Names(), ElementsAre("kept.csv"));
+    EXPECT_THAT(folder.Names(), ElementsAre("dangling.csv", "kept.csv", "link.csv"));
     EXPECT_EQ(folder.Read("kept.csv"), "kept");
+}
+
+/// Somebody makes a folder of the name while the file is written.
+TEST_F(CsvFiles, WhatCannotBeReplacedStays)
+{
+    const LogCapture log;
+    {
+        FileReplacement file;
+        ASSERT_TRUE(file.Open(folder.Path("taken.csv")) && file.Write("1", 1));
+        std::filesystem::create_directories(folder.Path("taken.csv/within"));
+        EXPECT_FALSE(file.Commit());
+    }
+    EXPECT_TRUE(log.Has(1, "Failed to replace " + folder.Path("taken.csv")));
+    EXPECT_THAT(folder.Names(), ElementsAre("taken.csv"));
+}
+
+TEST_F(CsvFiles, ALinkToItselfIsRefused)
+{
+    std::filesystem::create_symlink("circle.csv", folder.Path("circle.csv"));
+    const LogCapture log;
+    DataFrame table;
+    EXPECT_EQ(SmallTable().ToCSV(folder.Path("circle.csv"), true, ","), 2);
+    EXPECT_EQ(table.ReadCSV<double>(folder.Path("circle.csv"), true, ","), 2);
+    EXPECT_THAT(folder.Names(), ElementsAre("circle.csv"));
 }
 
 TEST_F(CsvFiles, AReaderThatLeavesDoesNotEndTheWriter)

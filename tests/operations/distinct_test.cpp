@@ -7,7 +7,6 @@
 #include <numeric>
 
 #include "tests/functors/pairing.h"
-#include "tests/support/failing_allocation.h"
 #include "tests/support/handle.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/same_tables.h"
@@ -345,25 +344,6 @@ TEST(Duplicated, RefusesWithCodeAndMessage)
             log.Has(1, "invalid dataframe while calling DropDuplicatesInplace: " + std::to_string(refused.error.code)));
         EXPECT_EQ(
             refused.table.DropDuplicatesOutplace(refused.subset, refused.keep).GetError().code, refused.error.code);
-    }
-}
-
-TEST(Duplicated, SurvivesWantOfMemoryAnywhere)
-{
-    const LogCapture log;
-    Random random(1);
-    const DataFrame source = TableOfFewValues(random, 40);
-    for (const Positions& subset : {Positions{5, 11}, Positions{9, 11}}) {
-        const DataFrame expected = source.Duplicated(subset, "false");
-        for (AllocationRounds rounds; rounds.Next();) {
-            DataFrame marks;
-            {
-                const FailingAllocation failing(rounds.Spared());
-                marks = source.Duplicated(subset, "false");
-            }
-            ASSERT_TRUE(marks.GetError().code != 0 || IsSameTable(marks, expected)) << "after " << rounds.Spared();
-            ASSERT_EQ(source.GetError().code, 0);
-        }
     }
 }
 

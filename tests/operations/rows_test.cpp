@@ -7,7 +7,6 @@
 #include <gmock/gmock.h>
 
 #include "tests/functors/pairing.h"
-#include "tests/support/failing_allocation.h"
 #include "tests/support/handle.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/same_tables.h"
@@ -490,35 +489,6 @@ TEST(FlatSlice, MakesWindowsOnTablesAndOnWindows)
             nullptr)
             << refused.line;
         EXPECT_EQ(log.Texts(1).back(), std::string("[MERVO_TSR_Slice] ") + refused.text) << refused.line;
-    }
-}
-
-// Every single allocation of a call fails once: the call tells, or gives what it should all the same.
-TEST(FlatRows, SurviveWantOfMemoryAnywhere)
-{
-    const std::string longText(40, 't');
-    const DataFrame source = TableOf(Column<std::string>("a", {longText, "b", longText}), Column<bool>("b", {1, 0, 1}));
-    const std::uint32_t range[] = {1, 2};
-    for (AllocationRounds rounds; rounds.Next();) {
-        const Handle table(source);
-        const Handle filter(Filter({false, true, false}));
-        const Handle byIndex;
-        const Handle byBool;
-        std::array<std::int32_t, 2> codes{};
-        MERVO_TSR_CONTEXT* slice = nullptr;
-        {
-            const FailingAllocation failing(rounds.Spared());
-            slice = MERVO_TSR_Slice(table.Get(), range, range, 2, 2);
-            codes[0] = MERVO_TSR_DropRowByIndex(byIndex.Get(), table.Get(), range, 1);
-            codes[1] = MERVO_TSR_DropRowByBool(byBool.Get(), table.Get(), filter.Get());
-        }
-        EXPECT_TRUE(slice != nullptr || FailingAllocation::HasFailed());
-        EXPECT_TRUE(codes[0] != 0 || byIndex.Table().RowCount() == 2);
-        EXPECT_TRUE(codes[1] != 0 || byBool.Table().RowCount() == 2);
-        EXPECT_EQ(table.Table().RowCount(), 3U);
-        if (slice != nullptr) {
-            MERVO_TSR_Release(&slice);
-        }
     }
 }
 

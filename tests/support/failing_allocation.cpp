@@ -1,5 +1,6 @@
 #include "tests/support/failing_allocation.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <new>
 
@@ -9,41 +10,61 @@
 
 namespace {
 
+using MERVO::Tessera::Shortage;
+
 constexpr unsigned int NEVER = 0xFFFFFFFFU;
 
 unsigned int sparedAllocations = NEVER;
 std::size_t smallestCounted = 0;
+Shortage shortage = Shortage::PASSING;
 bool hasFailed = false;
+std::atomic<std::size_t> blocksInUse = 0;
+
+bool IsToFail(std::size_t bytes)
+{
+    if (sparedAllocations == NEVER || bytes < smallestCounted || (hasFailed && shortage == Shortage::PASSING)) {
+        return false;
+    }
+    hasFailed = hasFailed || sparedAllocations-- == 0;
+    return hasFailed;
+}
 
 void* Allocate(std::size_t bytes, std::size_t alignment = __STDCPP_DEFAULT_NEW_ALIGNMENT__) noexcept
 {
-    if (sparedAllocations != NEVER && !hasFailed && bytes >= smallestCounted && sparedAllocations-- == 0) {
-        sparedAllocations = NEVER;
-        hasFailed = true;
+    void* block = nullptr;
+    if (IsToFail(bytes) || ::posix_memalign(&block, alignment, bytes == 0 ? 1 : bytes) != 0) {
         return nullptr;
     }
-    void* block = nullptr;
-    return ::posix_memalign(&block, alignment, bytes == 0 ? 1 : bytes) == 0 ? block : nullptr;
+    ++blocksInUse;
+    return block;
 }
 
-void* AllocateOrThrow(std::size_t bytes)
+void* OrThrow(void* block)
 {
-    void* block = Allocate(bytes);
     if (block == nullptr) {
         throw std::bad_alloc();
     }
     return block;
 }
 
+void Release(void* block) noexcept
+{
+    if (block != nullptr) {
+        --blocksInUse;
+        std::free(block);
+    }
+}
+
 } // namespace
 
 namespace MERVO::Tessera {
 
-FailingAllocation::FailingAllocation(unsigned int spared, std::size_t fromBytes)
+FailingAllocation::FailingAllocation(unsigned int spared, std::size_t fromBytes, Shortage shortageKind)
 {
     keptBlocks.ReleaseAll(); // they would stand in for what fails
     hasFailed = false;
     smallestCounted = fromBytes;
+    shortage = shortageKind;
     sparedAllocations = spared;
 }
 
@@ -51,9 +72,11 @@ FailingAllocation::~FailingAllocation() { sparedAllocations = NEVER; }
 
 bool FailingAllocation::HasFailed() { return hasFailed; }
 
+std::size_t BlocksInUse() { return blocksInUse; }
+
 bool AllocationRounds::Next()
 {
-    constexpr unsigned int MANY = 1000;
+    constexpr unsigned int MANY = 5000;
     if (rounds == MANY) {
         ADD_FAILURE() << "still allocating";
         return false;
@@ -63,18 +86,31 @@ bool AllocationRounds::Next()
 
 } // namespace MERVO::Tessera
 
-void* operator new(std::size_t bytes) { return AllocateOrThrow(bytes); }
-void* operator new[](std::size_t bytes) { return AllocateOrThrow(bytes); }
+using Alignment = std::align_val_t;
+
+void* operator new(std::size_t bytes) { return OrThrow(Allocate(bytes)); }
+void* operator new[](std::size_t bytes) { return OrThrow(Allocate(bytes)); }
 void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept { return Allocate(bytes); }
 void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept { return Allocate(bytes); }
-void* operator new(std::size_t bytes, std::align_val_t alignment, const std::nothrow_t&) noexcept
+void* operator new(std::size_t bytes, Alignment at) { return OrThrow(Allocate(bytes, static_cast<std::size_t>(at))); }
+void* operator new[](std::size_t bytes, Alignment at) { return operator new(bytes, at); }
+void* operator new(std::size_t bytes, Alignment at, const std::nothrow_t&) noexcept
 {
-    return Allocate(bytes, static_cast<std::size_t>(alignment));
+    return Allocate(bytes, static_cast<std::size_t>(at));
 }
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::align_val_t) noexcept { std::free(block); }
-void operator delete[](void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
-void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
-void operator delete(void* block, const std::nothrow_t&) noexcept { std::free(block); }
-void operator delete[](void* block, const std::nothrow_t&) noexcept { std::free(block); }
+void* operator new[](std::size_t bytes, Alignment at, const std::nothrow_t&) noexcept
+{
+    return Allocate(bytes, static_cast<std::size_t>(at));
+}
+void operator delete(void* block) noexcept { Release(block); }
+void operator delete[](void* block) noexcept { Release(block); }
+void operator delete(void* block, std::size_t) noexcept { Release(block); }
+void operator delete[](void* block, std::size_t) noexcept { Release(block); }
+void operator delete(void* block, const std::nothrow_t&) noexcept { Release(block); }
+void operator delete[](void* block, const std::nothrow_t&) noexcept { Release(block); }
+void operator delete(void* block, Alignment) noexcept { Release(block); }
+void operator delete[](void* block, Alignment) noexcept { Release(block); }
+void operator delete(void* block, std::size_t, Alignment) noexcept { Release(block); }
+void operator delete[](void* block, std::size_t, Alignment) noexcept { Release(block); }
+void operator delete(void* block, Alignment, const std::nothrow_t&) noexcept { Release(block); }
+void operator delete[](void* block, Alignment, const std::nothrow_t&) noexcept { Release(block); }
