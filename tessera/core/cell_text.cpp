@@ -10,6 +10,7 @@
 #include <limits>
 #include <optional>
 
+#include "tessera/core/digit_chunk.h"
 #include "tessera/core/double_bits.h"
 #include "tessera/core/powers_of_ten.h"
 
@@ -27,22 +28,13 @@ constexpr auto DIGIT_PAIRS = [] {
 
 void WritePair(char* first, std::uint32_t below100) { std::memcpy(first, &DIGIT_PAIRS[2 * below100], 2); }
 
-void WriteEightDigits(char* first, std::uint32_t value)
-{
-    const std::uint32_t upper = value / 10000;
-    const std::uint32_t lower = value % 10000;
-    WritePair(first, upper / 100);
-    WritePair(first + 2, upper % 100);
-    WritePair(first + 4, lower / 100);
-    WritePair(first + 6, lower % 100);
-}
+constexpr std::uint32_t EIGHT_DIGITS = 100000000;
+constexpr std::uint64_t ZEROS = 0x3030303030303030;
 
-int CountDigits(std::uint32_t value)
+char* WriteEightDigits(char* first, std::uint32_t value)
 {
-    constexpr std::array<std::uint32_t, 10> POWERS = {
-        0, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
-    const int below = (std::bit_width(value) * 1233) >> 12; // that many digits, or one more
-    return below + (value >= POWERS[static_cast<std::size_t>(below)] ? 1 : 0);
+    StoreCharacters(first, SplitDigits(value) + ZEROS);
+    return first + DIGIT_CHUNK;
 }
 
 /// A magnitude as digits * 10^(exponent - 5); 1000000 digits stand for the next power.
@@ -104,11 +96,10 @@ inline std::optional<SixDigits> RoundToSixDigits(double magnitude)
     return SixDigits{digits + roundsUp, exponent};
 }
 
+/// Writes what follows the e.
 char* WriteExponent(char* first, int exponent)
 {
-    first[0] = 'e';
-    first[1] = exponent < 0 ? '-' : '+';
-    first += 2;
+    *first++ = exponent < 0 ? '-' : '+';
     auto magnitude = static_cast<std::uint32_t>(std::abs(exponent));
     if (magnitude >= 100) {
         *first++ = static_cast<char>('0' + magnitude / 100);
@@ -123,14 +114,10 @@ char* WriteSixDigits(char* first, SixDigits rounded)
     if (rounded.digits == 1000000) {
         rounded = {100000, rounded.exponent + 1};
     }
-    const std::uint32_t lastFour = rounded.digits % 10000;
-    const char* leading = &DIGIT_PAIRS[2 * (rounded.digits / 10000)];
-    first[0] = leading[0];
-    first[1] = '.';
-    first[2] = leading[1];
-    WritePair(first + 3, lastFour / 100);
-    WritePair(first + 5, lastFour % 100);
-    return WriteExponent(first + 7, rounded.exponent);
+    const std::uint64_t digits = SplitDigits(rounded.digits) >> 16;
+    const std::uint64_t leading = digits & 0xFF;
+    StoreCharacters(first, (leading | (digits ^ leading) << 8) + 0x6530303030302E30); // 0.00000e
+    return WriteExponent(first + DIGIT_CHUNK, rounded.exponent);
 }
 
 char* WriteText(char* first, std::string_view text)
@@ -143,30 +130,23 @@ char* WriteText(char* first, std::string_view text)
 
 char* WriteInteger(char* first, std::uint32_t value) noexcept
 {
-    char* const end = first + CountDigits(value);
-    char* at = end;
-    while (value >= 100) {
-        at -= 2;
-        WritePair(at, value % 100);
-        value /= 100;
+    if (value >= EIGHT_DIGITS) {
+        return WriteEightDigits(WriteInteger(first, value / EIGHT_DIGITS), value % EIGHT_DIGITS);
     }
-    if (value >= 10) {
-        WritePair(first, value);
-    } else {
-        *first = static_cast<char>('0' + value);
-    }
-    return end;
+    // No branch is taken on how many digits there are, since that comes at random.
+    const std::uint64_t digits = SplitDigits(value);
+    const int zeros = std::countr_zero(digits | std::uint64_t{1} << 56) / 8; // in front; the last one counts
+    StoreCharacters(first, (digits + ZEROS) >> (8 * zeros));
+    return first + DIGIT_CHUNK - zeros;
 }
 
 char* WriteInteger(char* first, std::uint64_t value) noexcept
 {
-    constexpr std::uint64_t EIGHT_DIGITS = 100000000;
-    if (value <= std::numeric_limits<std::uint32_t>::max()) {
+    if (value < EIGHT_DIGITS) {
         return WriteInteger(first, static_cast<std::uint32_t>(value));
     }
-    char* const last = WriteInteger(first, value / EIGHT_DIGITS);
-    WriteEightDigits(last, static_cast<std::uint32_t>(value % EIGHT_DIGITS));
-    return last + 8;
+    return WriteEightDigits(
+        WriteInteger(first, value / EIGHT_DIGITS), static_cast<std::uint32_t>(value % EIGHT_DIGITS));
 }
 
 char* WriteInteger(char* first, std::int32_t value) noexcept
@@ -198,7 +178,7 @@ char* WriteScientific(char* first, double value) noexcept
     if (const std::optional<SixDigits> rounded = RoundToSixDigits(magnitude)) {
         return WriteSixDigits(first, *rounded);
     }
-    constexpr std::ptrdiff_t ROOM = NUMBER_TEXT_ROOM - 1; // without the sign
+    constexpr std::ptrdiff_t ROOM = SHORT_NUMBER_ROOM - 1; // without the sign
     return std::to_chars(first, first + ROOM, magnitude, std::chars_format::scientific, 5).ptr;
 }
 

@@ -9,7 +9,11 @@ namespace MERVO::Tessera {
 /// Room that any number's text needs.
 inline constexpr std::size_t NUMBER_TEXT_ROOM = 24;
 
-/// Write a number in decimal, without a terminator. `first` has NUMBER_TEXT_ROOM characters.
+/// Room that the text of a float, a double or an integer of 32 bits needs.
+inline constexpr std::size_t SHORT_NUMBER_ROOM = 13;
+
+/// Write a number in decimal, without a terminator. `first` has NUMBER_TEXT_ROOM characters, or SHORT_NUMBER_ROOM for
+/// 32 bits.
 /// @return one past the last character.
 char* WriteInteger(char* first, std::int32_t value) noexcept;
 char* WriteInteger(char* first, std::uint32_t value) noexcept;
@@ -17,7 +21,7 @@ char* WriteInteger(char* first, std::int64_t value) noexcept;
 char* WriteInteger(char* first, std::uint64_t value) noexcept;
 
 /// Writes what printf gives for "%.5e" in the C locale and with rounding to nearest, the texts nan, -nan, inf and -inf
-/// among it. `first` has NUMBER_TEXT_ROOM characters; no terminator.
+/// among it. `first` has SHORT_NUMBER_ROOM characters; no terminator.
 /// @return one past the last character.
 char* WriteScientific(char* first, double value) noexcept;
 

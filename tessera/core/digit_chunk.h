@@ -19,6 +19,13 @@ std::uint64_t LoadCharacters(const char* from)
     return std::endian::native == std::endian::little ? characters : __builtin_bswap64(characters);
 }
 
+/// Stores DIGIT_CHUNK characters.
+inline void StoreCharacters(char* to, std::uint64_t characters)
+{
+    characters = std::endian::native == std::endian::little ? characters : __builtin_bswap64(characters);
+    std::memcpy(to, &characters, sizeof characters);
+}
+
 /// Loads 1 to DIGIT_CHUNK characters, with zeros behind them. No byte beyond them is read.
 inline std::uint64_t LoadChunk(const char* first, std::size_t size)
 {
@@ -52,6 +59,18 @@ constexpr std::uint32_t JoinDigits(std::uint64_t digits)
     const std::uint64_t even = (pairs & EVERY_FOURTH) * ((std::uint64_t{1000000} << 32) | 100);
     const std::uint64_t odd = ((pairs >> 16) & EVERY_FOURTH) * ((std::uint64_t{10000} << 32) | 1);
     return static_cast<std::uint32_t>((even + odd) >> 32);
+}
+
+/// The values of a number's 8 digits, the inverse of JoinDigits. The number is below 10^8.
+constexpr std::uint64_t SplitDigits(std::uint32_t number)
+{
+    // A number is split to its halves, these to pairs and those to digits, all of them at once. The quotients are
+    // products with a reciprocal that is exact for so few digits.
+    const std::uint64_t halves = number / 10000 | std::uint64_t{number % 10000} << 32;
+    const std::uint64_t hundreds = (halves * 10486 >> 20) & 0x0000007F0000007F;
+    const std::uint64_t pairs = hundreds | (halves - 100 * hundreds) << 16;
+    const std::uint64_t tens = (pairs * 103 >> 10) & 0x000F000F000F000F;
+    return tens | (pairs - 10 * tens) << 8;
 }
 
 } // namespace MERVO::Tessera

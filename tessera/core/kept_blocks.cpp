@@ -11,11 +11,29 @@
 namespace MERVO::Tessera {
 namespace {
 
+#ifdef __linux__
+std::size_t SystemFigure(int name)
+{
+    const long figure = ::sysconf(name);
+    return figure < 0 ? 0 : static_cast<std::size_t>(figure);
+}
+
+/// A sixteenth of the machine's memory, where that is less.
+std::size_t MostKept()
+{
+    static const std::size_t most =
+        std::min(MOST_KEPT_BYTES, SystemFigure(_SC_PHYS_PAGES) / 16 * SystemFigure(_SC_PAGESIZE));
+    return most;
+}
+#else
+std::size_t MostKept() { return MOST_KEPT_BYTES; }
+#endif
+
 /// The pages wholly within a block may be taken back, until they are written again.
 void OfferPages([[maybe_unused]] void* block, [[maybe_unused]] std::size_t bytes)
 {
-#if defined(MADV_FREE) && UINTPTR_MAX == UINT32_MAX
-    static const auto page = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
+#ifdef MADV_FREE
+    static const std::uintptr_t page = SystemFigure(_SC_PAGESIZE);
     const auto address = reinterpret_cast<std::uintptr_t>(block);
     const std::uintptr_t begin = (address + page - 1) / page * page;
     const std::uintptr_t end = (address + bytes) / page * page;
@@ -49,27 +67,30 @@ void* KeptBlocks::Take(std::size_t bytes) noexcept
         return nullptr;
     }
     void* const block = best->block;
-    total -= best->bytes;
-    std::move(best + 1, entries.data() + count, best);
-    --count;
+    Remove(static_cast<std::size_t>(best - entries.data()));
     return block;
 }
 
 bool KeptBlocks::Keep(void* block, std::size_t bytes) noexcept
 {
-    if (bytes > MOST_KEPT_BYTES / 2) {
+    const std::size_t most = MostKept();
+    if (bytes > most / 2) {
         return false;
     }
-    OfferPages(block, bytes);
     const std::lock_guard lock(mutex);
     if (isClosed) {
         return false;
     }
-    while (count == entries.size() || (count != 0 && total > MOST_KEPT_BYTES - bytes)) {
+    while (count == entries.size() || (count != 0 && total > most - bytes)) {
         ReleaseOldest();
     }
     entries[count++] = {block, bytes};
     total += bytes;
+    while (offeredCount < count && total - offered > MOST_UNOFFERED_BYTES) {
+        const Entry& oldest = entries[offeredCount++];
+        OfferPages(oldest.block, oldest.bytes);
+        offered += oldest.bytes;
+    }
     return true;
 }
 
@@ -86,8 +107,18 @@ bool KeptBlocks::ReleaseAll() noexcept
 void KeptBlocks::ReleaseOldest() noexcept
 {
     ReleaseBlock(entries.front().block);
-    total -= entries.front().bytes;
-    std::move(entries.begin() + 1, entries.begin() + count, entries.begin());
+    Remove(0);
+}
+
+void KeptBlocks::Remove(std::size_t place) noexcept
+{
+    const std::size_t bytes = entries[place].bytes;
+    total -= bytes;
+    if (place < offeredCount) {
+        --offeredCount;
+        offered -= bytes;
+    }
+    std::copy(entries.begin() + place + 1, entries.begin() + count, entries.begin() + place);
     --count;
 }
 

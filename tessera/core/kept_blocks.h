@@ -8,16 +8,19 @@ namespace MERVO::Tessera {
 
 /// Smaller blocks are cheap to get.
 inline constexpr std::size_t SMALLEST_KEPT_BLOCK = std::size_t{256} << 10;
-/// The most bytes that are kept: enough for a table of fifteen million numbers; on a device of 32 bits, which has less,
-/// a sixteenth of that.
-inline constexpr std::size_t MOST_KEPT_BYTES = std::size_t{sizeof(void*) == 4 ? 8 : 128} << 20;
+/// The most bytes that are kept, if that is no more than a sixteenth of the machine's memory: enough for a table of
+/// fifteen million texts; on a device of 32 bits, which has less, far less.
+inline constexpr std::size_t MOST_KEPT_BYTES = std::size_t{sizeof(void*) == 4 ? 8 : 512} << 20;
+/// The most bytes that are kept without the system being told that it may have them.
+inline constexpr std::size_t MOST_UNOFFERED_BYTES = std::size_t{sizeof(void*) == 4 ? 0 : 128} << 20;
 
 /**
  * Large blocks that were given back, for the columns that come next: memory that was used before costs no page faults.
  * They go before the library runs out of memory, and when it is unloaded. Any thread may take and keep.
  *
- * On a device of 32 bits the system is told that it may take their pages back whenever it runs short (MADV_FREE), so
- * nobody goes without memory for their sake. Elsewhere that would cost more time than it is worth.
+ * Of all but those used last the system is told that it may take their pages back whenever it runs short (MADV_FREE),
+ * so nobody goes without memory for their sake. On a device of 32 bits that is said of all; elsewhere it would cost
+ * short operations more time than it is worth.
  */
 class KeptBlocks {
 public:
@@ -37,12 +40,15 @@ private:
         std::size_t bytes = 0;
     };
     void ReleaseOldest() noexcept;
+    void Remove(std::size_t place) noexcept;
 
     std::mutex mutex;
-    std::array<Entry, 32> entries; ///< the oldest first
+    std::array<Entry, 64> entries; ///< the oldest first
     std::size_t count = 0;
     std::size_t total = 0;
-    bool isClosed = false; ///< columns of the host may outlive what is static here
+    std::size_t offeredCount = 0; ///< so many of the oldest have been offered to the system
+    std::size_t offered = 0;      ///< their bytes
+    bool isClosed = false;        ///< columns of the host may outlive what is static here
 };
 
 extern KeptBlocks keptBlocks;

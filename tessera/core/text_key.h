@@ -2,8 +2,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <string_view>
+
+#include "tessera/core/key_hash.h"
 
 namespace MERVO::Tessera {
 
@@ -11,20 +12,31 @@ namespace MERVO::Tessera {
 /// texts needs no look at where they lie.
 class TextKey {
 public:
+    TextKey() = default;
     explicit TextKey(std::string_view content) : text(content)
     {
         const char* const bytes = text.data();
         const std::size_t size = text.size();
         if (size >= sizeof(std::uint64_t)) {
-            first = Load<std::uint64_t>(bytes);
-            last = Load<std::uint64_t>(bytes + size - sizeof(std::uint64_t));
+            first = KeyHash::Load<std::uint64_t>(bytes);
+            last = KeyHash::Load<std::uint64_t>(bytes + size - sizeof(std::uint64_t));
         } else if (size >= sizeof(std::uint32_t)) {
-            first = Load<std::uint32_t>(bytes);
-            last = Load<std::uint32_t>(bytes + size - sizeof(std::uint32_t));
+            first = KeyHash::Load<std::uint32_t>(bytes);
+            last = KeyHash::Load<std::uint32_t>(bytes + size - sizeof(std::uint32_t));
         } else if (size != 0) {
-            first = Load<std::uint8_t>(bytes) | Load<std::uint8_t>(bytes + size / 2) << 8;
-            last = Load<std::uint8_t>(bytes + size - 1);
+            first = KeyHash::Load<std::uint8_t>(bytes) | KeyHash::Load<std::uint8_t>(bytes + size / 2) << 8;
+            last = KeyHash::Load<std::uint8_t>(bytes + size - 1);
         }
+    }
+
+    /// Needs no look at the text either, unless it is a longer one.
+    friend std::uint32_t HashOf(const TextKey& key)
+    {
+        if (key.text.size() > 2 * sizeof(std::uint64_t)) {
+            return HashOf(key.text);
+        }
+        const std::uint64_t hash = KeyHash::Mix(key.text.size() * KeyHash::GOLDEN, key.first);
+        return static_cast<std::uint32_t>(KeyHash::Mix(hash, key.last) >> 32);
     }
 
     friend bool operator==(const TextKey& left, const TextKey& right)
@@ -34,14 +46,6 @@ public:
     }
 
 private:
-    template <typename Word>
-    static std::uint64_t Load(const char* bytes)
-    {
-        Word word = 0;
-        std::memcpy(&word, bytes, sizeof word);
-        return word;
-    }
-
     std::string_view text;
     std::uint64_t first = 0;
     std::uint64_t last = 0;

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
 #include "tessera/core/numeric_cast.h"
+#include "tessera/functors/assign_text.h"
 #include "tessera/functors/cell_conversion.h"
 
 namespace MERVO::Tessera::Func {
@@ -112,21 +114,54 @@ consteval CastKernel ConversionOf()
 
 // ---- To text
 
+/// Makes a text that is short whatever the number is: its digits are written to where they stay.
+template <typename S>
+void MakeNumberText(std::string* text, S number)
+{
+    static constexpr std::array<char, READ_AHEAD> ROOM = {};
+    static_assert(ROOM.size() >= SHORT_NUMBER_ROOM);
+    std::construct_at(text, ROOM.data(), ROOM.size());
+    char* const first = text->data();
+    text->erase(static_cast<std::size_t>(WriteCell(first, number) - first));
+}
+
+/// Makes a text that may be long.
+template <typename S>
+requires(std::is_integral_v<S> && sizeof(S) > sizeof(std::int32_t)) void MakeNumberText(std::string* text, S number)
+{
+    std::array<char, NUMBER_TEXT_ROOM> buffer = {};
+    static_assert(NUMBER_TEXT_ROOM >= READ_AHEAD);
+    const char* const end = WriteCell(buffer.data(), number);
+    MakeText(text, buffer.data(), static_cast<std::size_t>(end - buffer.data()));
+}
+
+template <typename S>
+void MakeNumberTexts(const void* numbers, std::string* texts, std::uint32_t count)
+{
+    struct EmptyUnlessMade {
+        ~EmptyUnlessMade() { std::uninitialized_default_construct(next, end); }
+        std::string* next;
+        std::string* end;
+    };
+    const auto* number = static_cast<const S*>(numbers);
+    for (EmptyUnlessMade rest{texts, texts + count}; rest.next != rest.end; ++rest.next) {
+        MakeNumberText(rest.next, *number++);
+    }
+}
+
 template <typename S>
 ErrorCode WriteCells(const void* from, void* to, std::uint32_t count)
 {
     const auto* source = static_cast<const S*>(from);
     auto* target = static_cast<std::string*>(to);
-    std::array<char, NUMBER_TEXT_ROOM> buffer = {};
-    static_assert(NUMBER_TEXT_ROOM >= READ_AHEAD);
     for (std::uint32_t i = 0; i < count; ++i) {
         if constexpr (std::is_same_v<S, bool>) {
             target[i].assign(source[i] ? 1 : 0, '1'); // an empty text is false again
         } else if constexpr (std::is_same_v<S, DateTime>) {
             target[i] = source[i].ToString();
         } else {
-            const char* const end = WriteCell(buffer.data(), source[i]);
-            AssignText(target[i], buffer.data(), static_cast<std::size_t>(end - buffer.data()));
+            std::destroy_at(&target[i]);
+            MakeNumberTexts<S>(&source[i], &target[i], 1);
         }
     }
     return ERROR_NONE;
@@ -193,11 +228,22 @@ constexpr auto CAST_KERNELS = ForEachValueType([](auto from) {
     return ForEachValueType([](auto to) { return KernelOf<S, ValueTypes::At<to()>>(); });
 });
 
+constexpr auto TEXT_MAKERS = ForEachValueType([](auto from) -> TextMaker {
+    using S = ValueTypes::At<from()>;
+    if constexpr (Arithmetic<S> && !std::is_same_v<S, bool>) {
+        return &MakeNumberTexts<S>;
+    } else {
+        return nullptr;
+    }
+});
+
 } // namespace
 
 CastKernel CastKernelFor(MERVO_TESSERA_TYPEID from, MERVO_TESSERA_TYPEID to)
 {
     return CAST_KERNELS[static_cast<std::size_t>(from)][static_cast<std::size_t>(to)];
 }
+
+TextMaker TextMakerFor(MERVO_TESSERA_TYPEID from) { return TEXT_MAKERS[static_cast<std::size_t>(from)]; }
 
 } // namespace MERVO::Tessera::Func

@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "tessera/core/raw_texts.h"
 #include "tessera/core/window_bounds.h"
 
 namespace MERVO::Tessera::Func {
@@ -54,6 +55,15 @@ std::vector<SeriesPtr> UnaryRun::ReduceTogether()
         results.push_back(columns.back()->GetIterator());
     }
     return reducer.ReduceColumns(cells, results) ? std::move(columns) : std::vector<SeriesPtr>();
+}
+
+SeriesPtr UnaryRun::MakeTexts() const
+{
+    RawTexts texts = BuildRawTexts(cursor->Length(), name);
+    if (texts.column != nullptr) {
+        functor->MakeTexts(cursor, texts.cells);
+    }
+    return std::move(texts.column);
 }
 
 ContainerID BinaryRun::SourceContainer(unsigned int k) const

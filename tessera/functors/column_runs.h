@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "tessera/core/data_frame_ref.h"
@@ -22,6 +23,10 @@ public:
     SeriesAttr DstAttr() const { return functor->GetDstAttr(cursor); }
     std::string ColumnName() const { return name; }
     Error Process(const Cursor& dst) const { return functor->ProcessSeries(cursor, dst, true); }
+    /// Whether the functor can make the texts of its result without them having been empty before.
+    bool MakesTexts() const { return cursor->Length() != 0 && functor->MakeTexts(cursor, nullptr); }
+    /// The column of those texts; null without memory.
+    SeriesPtr MakeTexts() const;
     /// Reduces all columns at once, where the functor has a form for that. Gives the results, named as the columns;
     /// none where it has no such form, or without memory: then the columns are reduced one by one.
     std::vector<SeriesPtr> ReduceTogether();
@@ -74,10 +79,19 @@ ContainerID ContainerOf(const SeriesPtr& column);
 template <typename Run>
 Error ComputeColumn(const Run& run, const SeriesAttr& attr, SeriesPtr& result)
 {
+    const auto noMemory = [&run]() -> Error {
+        return {ERROR_OUT_OF_MEMORY, "out of memory on building series for functor: " + run.Name()};
+    };
+    if constexpr (std::is_same_v<Run, UnaryRun>) {
+        if (run.MakesTexts()) {
+            result = run.MakeTexts();
+            return result != nullptr ? Error{} : noMemory();
+        }
+    }
     result = BuildSeries(attr, run.ColumnName());
     const Cursor cursor = result->GetIterator();
     if (cursor == nullptr && IsValueType(attr.typeId) && IsContainer(attr.containerId)) {
-        return {ERROR_OUT_OF_MEMORY, "out of memory on building series for functor: " + run.Name()};
+        return noMemory();
     }
     return run.Process(cursor);
 }

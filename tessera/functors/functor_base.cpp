@@ -41,6 +41,8 @@ bool UnaryBase::ReducesColumns() const { return false; }
 
 bool UnaryBase::ReduceColumns(std::span<const Cursor>, std::span<const Cursor>) const { return false; }
 
+bool UnaryBase::MakeTexts(const Cursor&, std::string*) const { return false; }
+
 Error UnaryBase::Dispatch(
     const Cursor& src, const Cursor& dst, bool check, Axes axes, const UnaryEntry* table, std::size_t entryCount) const
 {

@@ -86,6 +86,13 @@ public:
      *         then it is run on each. What was said of ReduceGroups about overriding holds here, too.
      */
     virtual bool ReduceColumns(std::span<const Cursor> sources, std::span<const Cursor> results) const;
+    /**
+     * Makes the texts of a result, those that a run would assign: as many as src has cells, none of them alive before,
+     * all of them afterwards, also if it throws std::bad_alloc. Where `texts` is null, it only tells whether it would.
+     * @return false, and nothing is made, where the functor has no such form for this column, as most have none: then
+     *         it is run. What was said of ReduceGroups about overriding holds here, too.
+     */
+    virtual bool MakeTexts(const Cursor& src, std::string* texts) const;
 
 protected:
     /// Which cursor's value type picks the table's row and column.

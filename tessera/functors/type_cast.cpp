@@ -57,6 +57,19 @@ bool TypeCastBase<CID>::CheckParams(const Cursor&, const Cursor& dst) const
 }
 
 template <ContainerID CID>
+bool TypeCastBase<CID>::MakeTexts(const Cursor& src, std::string* texts) const
+{
+    const TextMaker make = src->IsMemoryContiguous() ? TextMakerFor(src->GetAttr().typeId) : nullptr;
+    if (make == nullptr || target != TESSERA_STRING) {
+        return false;
+    }
+    if (texts != nullptr) {
+        make(CellRuns(src).Read(src->Length()), texts, src->Length());
+    }
+    return true;
+}
+
+template <ContainerID CID>
 template <typename T, typename>
 ErrorCode TypeCastBase<CID>::OnExecute(const Cursor& src, const Cursor& dst) const
 {

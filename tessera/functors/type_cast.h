@@ -18,6 +18,7 @@ public:
     std::string GetName() const override;
     SeriesAttr GetDstAttr(const Cursor& src) const override;
     bool CheckParams(const Cursor& src, const Cursor& dst) const override;
+    bool MakeTexts(const Cursor& src, std::string* texts) const override;
     template <typename T, typename>
     ErrorCode OnExecute(const Cursor& src, const Cursor& dst) const;
 

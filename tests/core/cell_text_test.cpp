@@ -39,7 +39,8 @@ std::string Format(const char* format, T... values)
 template <typename T, typename Writer>
 std::string Written(Writer write, T value)
 {
-    const auto room = std::make_unique<char[]>(NUMBER_TEXT_ROOM);
+    constexpr bool IS_SHORT = std::is_floating_point_v<T> || sizeof(T) <= sizeof(std::int32_t);
+    const auto room = std::make_unique<char[]>(IS_SHORT ? SHORT_NUMBER_ROOM : NUMBER_TEXT_ROOM);
     return std::string(room.get(), write(room.get(), value));
 }
 
