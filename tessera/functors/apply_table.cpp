@@ -1,10 +1,12 @@
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "tessera/core/data_frame.h"
 #include "tessera/core/flat_call.h"
 #include "tessera/core/memory_room.h"
 #include "tessera/core/nesting.h"
+#include "tessera/core/window_bounds.h"
 #include "tessera/functors/column_runs.h"
 
 namespace MERVO::Tessera {
@@ -82,6 +84,9 @@ bool DataFrame::UnaryApplyCheck(const std::string& functor, const DataFrameRef& 
 
 std::size_t DataFrame::FitColumns(const DataFrameRef& multi)
 {
+    if (IsFarBeyondColumns(multi)) {
+        throw std::bad_alloc(); // which not every system would do by itself
+    }
     if (SharesColumnsWith(multi)) {
         return multi.GetColIndex()[0]; // results land on the source columns themselves
     }

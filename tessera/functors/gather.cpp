@@ -94,20 +94,18 @@ void CopyBits(PlaceOf placeOf, BitPosition to, std::size_t count)
     }
 }
 
-void Assign(std::string& cell, const std::string& text) { AssignText(cell, text); }
-void Assign(DateTime& cell, const DateTime& time) { cell = time; }
-void Assign(DataFrame& cell, const DataFrame& table) { cell = table; }
-
 template <typename T, typename PlaceOf>
 void CopyLarge(PlaceOf placeOf, T* to, std::size_t count)
 {
-    [[maybe_unused]] LongTexts longTexts;
-    VisitScattered(count, placeOf, [to, count, placeOf, &longTexts](std::size_t i, const T* from) {
-        if constexpr (std::is_same_v<T, std::string>) {
+    if constexpr (std::is_same_v<T, std::string>) {
+        LongTexts longTexts;
+        VisitScattered(count, placeOf, [to, count, placeOf, &longTexts](std::size_t i, const T* from) {
             longTexts.Add(from->size(), placeOf, count);
-        }
-        Assign(to[i], *from);
-    });
+            AssignText(to[i], *from);
+        });
+    } else {
+        VisitScattered(count, placeOf, [to](std::size_t i, const T* from) { to[i] = *from; });
+    }
 }
 
 template <typename T, typename PlaceOf>

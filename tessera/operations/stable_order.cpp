@@ -42,7 +42,7 @@ public:
     }
 
     void Order(Positions positions, std::size_t offset, Rooms rooms, unsigned int depth) const;
-    /// Gives the order of Order, in place.
+    /// Gives the order of Order, in place; where there may be NaN, with room for half of the positions.
     void OrderByComparison(Positions positions) const;
 
 private:
@@ -264,8 +264,12 @@ bool StableOrder::IsBefore(std::uint32_t left, std::uint32_t right) const
 
 void StableOrder::OrderByComparison(Positions positions) const
 {
-    std::stable_sort(positions.begin(), positions.end(),
-        [this](std::uint32_t left, std::uint32_t right) { return IsBefore(left, right); });
+    const auto isBefore = [this](std::uint32_t left, std::uint32_t right) { return IsBefore(left, right); };
+    if (keys.MayHaveNan()) {
+        MergeSort<std::uint32_t, decltype(isBefore)>(isBefore).Sort(positions.data(), positions.size());
+    } else {
+        std::stable_sort(positions.begin(), positions.end(), isBefore);
+    }
     for (std::size_t i = 1; flags != nullptr && i < positions.size(); ++i) {
         if (IsBefore(positions[i - 1], positions[i])) {
             Mark(positions[i]);

@@ -14,7 +14,8 @@ namespace MERVO::Tessera {
  *
  * Keys are sorted by radix, as many of their leading bits as three passes take; what is equal in them is sorted by the
  * rest. Sorted input is noticed at once. Working set: 16 bytes per position, with NaN 24. Where that can't be had, the
- * work is done in place, which takes longer.
+ * work is done in place, which takes longer; among floating numbers std::bad_alloc is thrown if that has no room
+ * either.
  */
 void OrderStably(const SortKeys& keys, bool ascending, std::span<std::uint32_t> positions);
 /// Also sets flag i to 1 where the elements at positions i - 1 and i have different keys then. Not for floating

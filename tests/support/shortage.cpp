@@ -8,7 +8,7 @@
 namespace MERVO::Tessera {
 namespace {
 
-constexpr std::uint32_t ROWS = 30;
+constexpr std::uint32_t ROWS = 15;
 
 template <typename T, typename ValueOf>
 SeriesPtr ColumnOf(const std::string& name, ValueOf&& valueOf)

@@ -24,12 +24,12 @@ struct Scene {
     /// All that a run left: dst's table, what it made, and what `tell` tells.
     std::vector<DataFrame> Outcome() const;
 
-    Handle numbers;     ///< 30 rows by 3 columns of doubles, with NaN
-    Handle mixed;       ///< 30 rows by 5: an integer key, long texts, moments, doubles with NaN, nested tables
-    Handle texts;       ///< 30 rows by 1: long texts that are numbers
-    Handle rowMarks;    ///< 30 bools
+    Handle numbers;     ///< 15 rows by 3 columns of doubles, with NaN
+    Handle mixed;       ///< 15 rows by 5: an integer key, long texts, moments, doubles with NaN, nested tables
+    Handle texts;       ///< 15 rows by 1: long texts that are numbers
+    Handle rowMarks;    ///< 15 bools
     Handle columnMarks; ///< a row of 5 bools
-    Handle places;      ///< 30 row numbers
+    Handle places;      ///< 15 row numbers
     Handle dst;         ///< "old", a column of texts
     MERVO_TSR_CONTEXT* made = nullptr;
     MERVO_TSR_GROUP_ARRAY* array = nullptr;

@@ -176,7 +176,8 @@ const Bomb BOMBS[] = {
                 text += ",,,,,,,,,,,,,,,,,,,,,,,,,,,,,,\n";
             }
             return ReadText(text, TESSERA_DATAFRAME);
-        }},
+        },
+        true},
     {"CsvQuoteThatNeverCloses", 2,
         [] { return ReadText("\"a,b\n" + std::string(1 << 20, '"') + "\n", TESSERA_STRING); }},
     {"CsvOfEqualNames", DONE,

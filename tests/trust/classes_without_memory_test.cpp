@@ -23,7 +23,7 @@ UnaryFactory Make(Args... args)
 const Positions KEY{0};
 const Positions TWO_KEYS{0, 1};
 const Positions FLOATING_KEY{3};
-const Positions ROW_NUMBERS{7, 7, 0, 29};
+const Positions ROW_NUMBERS{7, 7, 0, 14};
 const Names COLUMN_NAMES{"doubles", "the texts, with a long name"};
 const Names NEW_NAMES{"a name that is long enough", "another name that is long", "a name that is long enough"};
 const std::array<std::string, 2> SUFFIXES{" of the left table", " of the right table"};
@@ -140,7 +140,7 @@ const Operation CLASS_OPERATIONS[] = {
         }),
     {"AssignToWindow",
         [](Scene& s) {
-            DataFrameRef window = s.dst.Table()[Range{0, 30}];
+            DataFrameRef window = s.dst.Table()[Range{0, 15}];
             return (window = s.mixed.Table()).GetError().code;
         },
         &PutMixedIntoDst, true},
@@ -192,7 +192,7 @@ const Operation CLASS_OPERATIONS[] = {
     {"GetColumnName", [](Scene& s) { return s.dst.Table().GetColumnName().size() == 3 ? 0 : 3; }, &PutNumbersIntoDst},
     Giving("DropNanRow", [](const Scene& s) { return s.numbers.Table().DropNanRow(true, TWO_KEYS); }),
     Giving("DropNanRowByCount", [](const Scene& s) { return s.numbers.Table().DropNanRow(2); }),
-    Giving("DropNanCol", [](const Scene& s) { return s.numbers.Table().DropNanCol(29); }),
+    Giving("DropNanCol", [](const Scene& s) { return s.numbers.Table().DropNanCol(14); }),
     Giving("Duplicated", [](const Scene& s) { return s.mixed.Table().Duplicated(TWO_KEYS, FIRST); }),
     Giving("DuplicatedFloats", [](const Scene& s) { return s.mixed.Table().Duplicated(FLOATING_KEY, FIRST); }),
     Giving("DropDuplicatesOutplace", [](const Scene& s) { return s.mixed.Table().DropDuplicatesOutplace(KEY, FIRST); }),
@@ -222,8 +222,8 @@ const Operation CLASS_OPERATIONS[] = {
     {"AddAssignToItself", [](Scene& s) { return (s.dst.Table() += s.dst.Table()["b"]).GetError().code; },
         &PutNumbersIntoDst},
     {"Any", [](Scene& s) { return s.rowMarks.Table().Any() ? 0 : 3; }},
-    {"ToVector", [](Scene& s) { return s.texts.Table().ToVector<std::string>().size() == 30 ? 0 : 3; }},
-    {"To1DVector", [](Scene& s) { return s.texts.Table().To1DVector<std::string>().size() == 30 ? 0 : 3; }},
+    {"ToVector", [](Scene& s) { return s.texts.Table().ToVector<std::string>().size() == 15 ? 0 : 3; }},
+    {"To1DVector", [](Scene& s) { return s.texts.Table().To1DVector<std::string>().size() == 15 ? 0 : 3; }},
     {"ToArrayRecord", [](Scene& s) { return NdData(s.numbers.Table()).data != nullptr ? 0 : 3; }},
     {"Show",
         [](Scene& s) {
