@@ -1,5 +1,8 @@
 #include "tessera/core/flat_call.h"
 
+#include <new>
+#include <stdexcept>
+
 namespace MERVO::Tessera {
 
 ErrorCode TellNoMemory(const char* call) noexcept
@@ -8,8 +11,18 @@ ErrorCode TellNoMemory(const char* call) noexcept
     return ERROR_OUT_OF_MEMORY;
 }
 
+void PassOnAllButNoMemory()
+{
+    try {
+        throw;
+    } catch (const std::bad_alloc&) { // no memory
+    } catch (const std::length_error&) { // more elements than a list or a text can have
+    }
+}
+
 ErrorCode KeepNoMemory(const DataFrameView& table)
 {
+    PassOnAllButNoMemory();
     table.SetError({ERROR_OUT_OF_MEMORY, "out of memory"});
     return ERROR_OUT_OF_MEMORY;
 }

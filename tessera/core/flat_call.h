@@ -10,7 +10,10 @@ namespace MERVO::Tessera {
 
 /// Logs that a call ran out of memory or room, and gives its code.
 ErrorCode TellNoMemory(const char* call) noexcept;
-/// Gives the same code, which the table then holds.
+/// In a handler: throws on whatever is not want of memory or room. A host's functor may throw what it likes, and what it
+/// throws through a class is the host's to catch.
+void PassOnAllButNoMemory();
+/// In a handler: gives the same code, which the table then holds; passes on what a host's functor threw.
 ErrorCode KeepNoMemory(const DataFrameView& table);
 
 /// Runs the body of a flat call and returns its code. Whatever it throws becomes code 3, for only want of memory or

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tessera/core/data_frame.h"
+#include "tessera/core/flat_call.h"
 
 namespace MERVO::Tessera::Func {
 
@@ -14,7 +15,7 @@ DataFrame FailedTable(ErrorCode code, const std::string& message);
 /// What an operation gives that ran out of memory or room: a table with code 3. `call` is its name, for the message.
 DataFrame TableWithoutMemory(const char* call);
 
-/// The table that `make` gives. Whatever that throws becomes code 3, for only want of memory or room throws here.
+/// The table that `make` gives; code 3 where memory or room is short. What a host's functor throws is passed on.
 /// @param call the name of the operation, for the message.
 template <typename Make>
 DataFrame GuardedTable(const char* call, Make&& make)
@@ -22,6 +23,7 @@ DataFrame GuardedTable(const char* call, Make&& make)
     try {
         return make();
     } catch (...) {
+        PassOnAllButNoMemory();
         return TableWithoutMemory(call);
     }
 }

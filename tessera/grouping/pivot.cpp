@@ -286,6 +286,7 @@ DataFrame DataFrame::PivotByCreators(
             return PivotCells(params, ordered, fill);
         }
     } catch (...) {
+        PassOnAllButNoMemory();
         LogError(NO_MEMORY);
     }
     return {};
@@ -303,6 +304,7 @@ DataFrame DataFrame::PivotByCreator(const TableParams& params, const UnaryFactor
         }
         return PivotByCreators(params, creators, fill);
     } catch (...) {
+        PassOnAllButNoMemory();
         LogError(NO_MEMORY);
         return {};
     }

@@ -295,6 +295,23 @@ TEST(GroupEvaluation, ShowsEachGroup)
     EXPECT_THAT(shown, HasSubstr("\nnum 1\n"));
 }
 
+TEST(GroupEvaluation, PassesOnWhatAHostsFunctorThrows)
+{
+    const UnaryFactory thrower = [](ContainerID) -> FunctorPtr<Func::UnaryBase> { throw std::runtime_error("mine"); };
+    DataFrame table = Lettered();
+    const Groups groups = table.GroupBy({"key"}, true, true, true);
+    const std::function<void()> calls[] = {
+        [&] { groups.Apply(thrower); },
+        [&] { groups.Transform(thrower); },
+        [&] { table.Aggregate({1}, {0}, thrower); },
+        [&] { table.PivotTable({{0}, {1}, {}}, thrower, 0.0); },
+        [&] { static_cast<void>(DataFrame().ApplyInplace(thrower, table)); },
+    };
+    for (const auto& call : calls) {
+        EXPECT_THROW(call(), std::runtime_error) << &call - calls;
+    }
+}
+
 // ---- Flat call
 
 TEST(FlatGroupByTransform, PicksTheFunctorByItsNumber)
