@@ -15,7 +15,7 @@ void PassOnAllButNoMemory()
 {
     try {
         throw;
-    } catch (const std::bad_alloc&) { // no memory
+    } catch (const std::bad_alloc&) {    // no memory
     } catch (const std::length_error&) { // more elements than a list or a text can have
     }
 }

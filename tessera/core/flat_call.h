@@ -10,8 +10,8 @@ namespace MERVO::Tessera {
 
 /// Logs that a call ran out of memory or room, and gives its code.
 ErrorCode TellNoMemory(const char* call) noexcept;
-/// In a handler: throws on whatever is not want of memory or room. A host's functor may throw what it likes, and what it
-/// throws through a class is the host's to catch.
+/// In a handler: throws on whatever is not want of memory or room. A host's functor may throw what it likes, and what
+/// it throws through a class is the host's to catch.
 void PassOnAllButNoMemory();
 /// In a handler: gives the same code, which the table then holds; passes on what a host's functor threw.
 ErrorCode KeepNoMemory(const DataFrameView& table);

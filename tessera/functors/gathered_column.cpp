@@ -1,10 +1,14 @@
 #include "tessera/functors/gathered_column.h"
 
+#include "tessera/core/memory_room.h"
 #include "tessera/core/raw_texts.h"
 #include "tessera/core/scattered.h"
 #include "tessera/functors/assign_text.h"
+#include "tessera/functors/cell_place.h"
 #include "tessera/functors/gather.h"
 #include "tessera/functors/long_texts.h"
+#include "tessera/functors/number_compression.h"
+#include "tessera/platform/streaming_store.h"
 
 namespace MERVO::Tessera::Func {
 
@@ -21,6 +25,8 @@ GatheredColumn::GatheredColumn(Cursor source, std::uint32_t length, std::string 
     } else {
         column = BuildSeries(WithLength(from->GetAttr(), length), std::move(name));
         to = column->GetIterator();
+        cellSize = static_cast<std::size_t>(CellSizeOf(column->GetTypeId()));
+        isStreamed = HasStreamingStores() && length >= STREAMED_FROM / cellSize;
     }
 }
 
@@ -32,6 +38,16 @@ void GatheredColumn::Append(std::span<const std::uint32_t> positions)
         Gather(from, positions, to);
         to->Shift(static_cast<long long>(positions.size()));
     }
+}
+
+bool GatheredColumn::IsCompressible() const { return to != nullptr && CanCompress(cellSize); }
+
+void GatheredColumn::AppendChosen(const RowChoice& rows)
+{
+    auto* const cell = static_cast<std::byte*>(CellPlace(to).Cell());
+    const auto* const numbers = static_cast<const std::byte*>(CellPlace(from).Cell());
+    const std::byte* const behind = CompressNumbers(cellSize, numbers, rows, cell, isStreamed);
+    to->Shift((behind - cell) / static_cast<std::ptrdiff_t>(cellSize));
 }
 
 void GatheredColumn::AppendTexts(std::span<const std::uint32_t> positions)

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "tessera/core/series.h"
+#include "tessera/functors/row_choice.h"
 
 namespace MERVO::Tessera::Func {
 
@@ -25,6 +26,10 @@ public:
     /// Appends the elements at some positions, each below source's length, and no more than there is room for. Throws
     /// std::bad_alloc where a long text has no room.
     void Append(std::span<const std::uint32_t> positions);
+    /// Whether AppendChosen serves the column: numbers are copied by vectors, where the processor has the means.
+    bool IsCompressible() const;
+    /// Appends the elements of chosen rows.
+    void AppendChosen(const RowChoice& rows);
     /// Gives the column away; texts that were not appended are empty.
     SeriesPtr Finish();
 
@@ -34,7 +39,9 @@ private:
 
     Cursor from;
     SeriesPtr column;
-    Cursor to;                   ///< on what has not been appended, unless they are texts
+    Cursor to; ///< on what has not been appended, unless they are texts
+    std::size_t cellSize = 0;
+    bool isStreamed = false;
     std::string* next = nullptr; ///< the first of the texts that are not constructed yet
     std::string* end = nullptr;
 };

@@ -1,6 +1,7 @@
 #include "tessera/operations/chosen_rows.h"
 
 #include <algorithm>
+#include <array>
 #include <deque>
 #include <string>
 #include <utility>
@@ -38,6 +39,19 @@ public:
     {
         for (Func::GatheredColumn& column : columns) {
             column.Append(rows);
+        }
+    }
+    /// Makes a list of the rows where a column needs one; the buffer has room for all of them, chosen or not.
+    void Append(const Func::RowChoice& rows, std::span<std::uint32_t> buffer)
+    {
+        Rows positions;
+        for (Func::GatheredColumn& column : columns) {
+            if (column.IsCompressible()) {
+                column.AppendChosen(rows);
+                continue;
+            }
+            positions = positions.empty() ? rows.Positions(buffer) : positions;
+            column.Append(positions);
         }
     }
     DataFrame Finish()
@@ -94,23 +108,24 @@ std::optional<DataFrame> RowsAt(const DataFrameRef& table, Rows rows)
 
 std::optional<DataFrame> RowsMarked(const DataFrameRef& table, const Cursor& marks, bool wanted)
 {
-    constexpr std::uint32_t WORD = 64;
+    using BitWords::WORD_BITS;
     constexpr std::uint32_t LONGEST = 65536; // long enough for the processor to see where each column goes on
-    const auto& bits = CursorAs<CONTAINER_ARRAY, bool>(marks);
+    const auto& all = CursorAs<CONTAINER_ARRAY, bool>(marks);
     const std::uint32_t length = marks->Length();
-    const std::uint32_t set = CountBits(bits.mHead, bits.mTail);
+    const std::uint32_t set = CountBits(all.mHead, all.mTail);
     const std::uint32_t count = wanted ? set : length - set;
     if (count == 0 || !IsServed(table)) {
         return std::nullopt;
     }
-    const std::uint32_t block = std::min(LONGEST, (length - 1) / WORD * WORD + WORD);
+    const std::uint32_t block = std::min(LONGEST, (length - 1) / WORD_BITS * WORD_BITS + WORD_BITS);
     const Block<std::uint32_t> room = MakeBlock<std::uint32_t>(block);
+    std::array<BitWords::Word, LONGEST / WORD_BITS> bits;
     ChosenRows chosen(table, count);
     if (room == nullptr || !chosen.HasRoom()) {
         return WithoutMemory(wanted ? "SelectRowByBool" : "DropRowByBool");
     }
-    for (MarkedRows rows(bits.mHead, length, wanted); !rows.IsDone();) {
-        chosen.Append(rows.Next({room.get(), block}));
+    for (MarkedRows rows(all.mHead, length, wanted); !rows.IsDone();) {
+        chosen.Append(rows.Next(bits), {room.get(), block});
     }
     return chosen.Finish();
 }

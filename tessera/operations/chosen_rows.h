@@ -16,7 +16,7 @@ namespace MERVO::Tessera {
 
 std::optional<DataFrame> RowsAt(const DataFrameRef& table, std::span<const std::uint32_t> rows);
 
-/// The rows whose mark is as wanted. `marks` is an array of bools, one for each row. Working set: 256 KiB.
+/// The rows whose mark is as wanted. `marks` is an array of bools, one for each row. Working set: 264 KiB.
 std::optional<DataFrame> RowsMarked(const DataFrameRef& table, const Cursor& marks, bool wanted);
 
 } // namespace MERVO::Tessera

@@ -14,13 +14,15 @@ namespace {
 
 void CopyInArrays(const Cursor& src, const Cursor& marks, bool wanted, const Cursor& dst)
 {
-    std::array<std::uint32_t, 2048> buffer;
+    constexpr std::size_t BLOCK = 2048;
+    std::array<BitWords::Word, BLOCK / BitWords::WORD_BITS> bits;
+    std::array<std::uint32_t, BLOCK> buffer;
     std::uint32_t room = dst->Length();
     std::uint32_t copied = 0;
     const std::uint32_t count = std::min(src->Length(), marks->Length());
     MarkedRows walk(CursorAs<CONTAINER_ARRAY, bool>(marks).mHead, count, wanted);
     while (!walk.IsDone() && room != 0) {
-        auto rows = walk.Next(buffer);
+        auto rows = walk.Next(bits).Positions(buffer);
         rows = rows.first(std::min<std::size_t>(rows.size(), room));
         Func::Gather(src, rows, dst);
         const auto length = static_cast<std::uint32_t>(rows.size());

@@ -4,10 +4,11 @@
 #include <span>
 
 #include "tessera/core/bit_position.h"
+#include "tessera/functors/row_choice.h"
 
 namespace MERVO::Tessera {
 
-/// A walk over marks, a bit for each row, that gives the numbers of the rows whose mark is as wanted.
+/// A walk over marks, a bit for each row, that chooses the rows whose mark is as wanted.
 class MarkedRows {
 public:
     MarkedRows(BitPosition head, std::uint32_t markCount, bool wantedMark)
@@ -16,8 +17,8 @@ public:
     }
 
     bool IsDone() const { return first == count; }
-    /// Looks at as many further rows as the buffer has room for, a multiple of 64, and gives those that are wanted.
-    std::span<const std::uint32_t> Next(std::span<std::uint32_t> buffer);
+    /// Looks at as many further rows as the buffer has bits for.
+    Func::RowChoice Next(std::span<BitWords::Word> buffer);
 
 private:
     BitPosition marks;

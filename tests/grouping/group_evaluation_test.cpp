@@ -304,7 +304,9 @@ TEST(GroupEvaluation, PassesOnWhatAHostsFunctorThrows)
         [&] { groups.Apply(thrower); },
         [&] { groups.Transform(thrower); },
         [&] { table.Aggregate({1}, {0}, thrower); },
-        [&] { table.PivotTable({{0}, {1}, {}}, thrower, 0.0); },
+        [&] {
+            table.PivotTable({{0}, {1}, {}}, thrower, 0.0);
+        },
         [&] { static_cast<void>(DataFrame().ApplyInplace(thrower, table)); },
     };
     for (const auto& call : calls) {

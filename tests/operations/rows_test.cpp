@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <numeric>
 #include <set>
 
 #include <gmock/gmock.h>
@@ -325,6 +326,23 @@ TEST(Rows, OfWholeTablesAreThoseOfTheFunctors)
         EXPECT_EQ(taken.ApplyInplace(FunctorFactory<SelectRow, UnaryBase, const Positions&>{positions}, table), 0);
         EXPECT_TRUE(IsSameTable(table.SelectRow(positions), taken));
     }
+}
+
+// A large result is written past the caches, in lines of which a block rarely ends one.
+TEST(Rows, ThatAreManyAreThoseOfTheFunctors)
+{
+    using namespace Func;
+    constexpr std::uint32_t ROWS = 1'200'003;
+    std::vector<double> wide(ROWS);
+    std::iota(wide.begin(), wide.end(), 0.5);
+    const std::vector<float> narrow(wide.begin(), wide.end());
+    DataFrame table = TableOf(Column<double>("wide", wide), Column<float>("narrow", narrow));
+    table.SetRowIndex({3, ROWS});
+    Random random{9};
+    const DataFrame filter = Filter(Marks(random, ROWS - 3, 90));
+    DataFrame selected;
+    ASSERT_EQ(selected.ApplyInplace(FunctorFactory<SelectRowByBool, BinaryBase>{}, filter, table), 0);
+    EXPECT_TRUE(IsSameTable(table.SelectRow(filter), selected));
 }
 
 TEST(Rows, RefuseWithCodeAndMessage)

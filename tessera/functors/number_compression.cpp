@@ -1,0 +1,145 @@
+#include "tessera/functors/number_compression.h"
+
+#include "tessera/platform/streaming_store.h"
+
+#ifdef TESSERA_WIDE_VECTOR_BYTES
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+#include <immintrin.h>
+#endif
+
+namespace MERVO::Tessera::Func {
+
+#ifdef TESSERA_WIDE_VECTOR_BYTES
+namespace {
+
+using BitWords::Word;
+using BitWords::WORD_BITS;
+
+constexpr std::size_t VECTOR = TESSERA_WIDE_VECTOR_BYTES;
+constexpr std::size_t PARTS = VECTOR / sizeof(std::uint32_t); ///< of a vector, that can be moved about
+constexpr std::size_t LINE = 64;
+constexpr std::size_t STAGE = 4096; ///< bytes, at home in the first-level cache
+
+/// For each choice among the cells of a vector, the order of its parts that brings the chosen ones to the front.
+template <std::size_t CELLS>
+constexpr auto MakeOrders()
+{
+    constexpr std::size_t CELL_PARTS = PARTS / CELLS;
+    std::array<std::array<std::uint8_t, PARTS>, 1U << CELLS> orders{};
+    for (std::size_t choice = 0; choice < orders.size(); ++choice) {
+        std::size_t filled = 0;
+        for (std::size_t part = 0; part < PARTS; ++part) {
+            if ((choice >> (part / CELL_PARTS) & 1U) != 0) {
+                orders[choice][filled++] = static_cast<std::uint8_t>(part);
+            }
+        }
+    }
+    return orders;
+}
+
+template <std::size_t CELLS>
+constexpr auto ORDERS = MakeOrders<CELLS>();
+
+/// Copies the chosen ones of 64 cells to a word. Writes up to a vector's length behind what it returns.
+template <std::size_t CELLS>
+TESSERA_WIDE_VECTORS std::byte* CompressWords(std::span<const Word> words, const std::byte* from, std::byte* to)
+{
+    constexpr std::size_t CELL_SIZE = VECTOR / CELLS;
+    for (Word word : words) {
+        for (std::uint32_t bit = 0; bit < WORD_BITS; bit += CELLS) {
+            const auto choice = static_cast<std::size_t>(word % (1U << CELLS));
+            word >>= CELLS;
+            const __m128i order = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(ORDERS<CELLS>[choice].data()));
+            const __m256i cells = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from));
+            const __m256i moved = _mm256_permutevar8x32_epi32(cells, _mm256_cvtepu8_epi32(order));
+            _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), moved);
+            to += CELL_SIZE * static_cast<std::size_t>(std::popcount(choice));
+            from += VECTOR;
+        }
+    }
+    return to;
+}
+
+/// Bytes on their way to adjacent places, of which whole lines go past the caches where that is asked for.
+class Stage {
+public:
+    Stage(std::byte* destination, bool streams) : to(destination), isStreamed(streams) {}
+
+    /// Room for STAGE bytes and a vector.
+    std::byte* Room() { return staged.data() + held; }
+    void FilledTo(const std::byte* end)
+    {
+        held = static_cast<std::size_t>(end - staged.data());
+        if (!isStreamed) {
+            Write(held, false);
+            return;
+        }
+        Write(std::min(held, -reinterpret_cast<std::uintptr_t>(to) % LINE), false); // to the start of a line
+        Write(held / LINE * LINE, true);
+    }
+    std::byte* Finish()
+    {
+        Write(held, false);
+        if (isStreamed) {
+            FinishStreaming();
+        }
+        return to;
+    }
+
+private:
+    void Write(std::size_t count, bool past)
+    {
+        if (past) {
+            StreamBytes(to, staged.data(), count);
+        } else {
+            std::memcpy(to, staged.data(), count);
+        }
+        to += count;
+        held -= count;
+        std::memmove(staged.data(), staged.data() + count, held);
+    }
+
+    std::byte* to;
+    bool isStreamed;
+    std::size_t held = 0;
+    alignas(LINE) std::array<std::byte, STAGE + LINE + VECTOR> staged;
+};
+
+template <std::size_t CELLS>
+TESSERA_WIDE_VECTORS std::byte* Compress(
+    const std::byte* numbers, const RowChoice& rows, std::byte* to, bool isStreamed)
+{
+    constexpr std::size_t CELL_SIZE = VECTOR / CELLS;
+    constexpr std::size_t STEP = STAGE / CELL_SIZE / WORD_BITS; // words
+    Stage stage(to, isStreamed);
+    const std::byte* from = numbers + rows.first * CELL_SIZE;
+    const std::size_t whole = rows.count / WORD_BITS; // words
+    for (std::size_t word = 0; word < whole; word += STEP) {
+        const auto words = rows.bits.subspan(word, std::min(STEP, whole - word));
+        stage.FilledTo(CompressWords<CELLS>(words, from + word * WORD_BITS * CELL_SIZE, stage.Room()));
+    }
+    if (whole != rows.bits.size()) { // the last cells, behind which nothing may be read
+        alignas(LINE) std::array<std::byte, WORD_BITS * CELL_SIZE> last{};
+        std::memcpy(last.data(), from + whole * last.size(), rows.count % WORD_BITS * CELL_SIZE);
+        stage.FilledTo(CompressWords<CELLS>(rows.bits.last(1), last.data(), stage.Room()));
+    }
+    return stage.Finish();
+}
+
+} // namespace
+
+std::byte* CompressNumbers(
+    std::size_t cellSize, const std::byte* numbers, const RowChoice& rows, std::byte* to, bool isStreamed)
+{
+    return cellSize == sizeof(std::uint64_t) ? Compress<4>(numbers, rows, to, isStreamed)
+                                             : Compress<8>(numbers, rows, to, isStreamed);
+}
+#else
+std::byte* CompressNumbers(std::size_t, const std::byte*, const RowChoice&, std::byte* to, bool) { return to; }
+#endif
+
+} // namespace MERVO::Tessera::Func
