@@ -104,6 +104,9 @@ void RowNumbers::NumberRows(const Rows& rows, std::uint32_t* numbers)
 {
     std::array<std::uint64_t, BLOCK> packed;
     std::array<std::uint64_t, BLOCK> next;
+    if (parts.empty()) { // and all rows are equal
+        std::fill_n(packed.begin(), rows.count, std::uint64_t{0});
+    }
     for (Part& part : parts) {
         std::uint64_t* const keys = &part == &parts.front() ? packed.data() : next.data();
         if (part.packedNumbers != nullptr) {
