@@ -25,8 +25,8 @@ Real CarryOn(From from, To to, std::uint32_t count, Real last)
 }
 
 #ifdef TESSERA_WIDE_VECTOR_BYTES
-/// The same for four cells at a time: a NaN takes the cell before it, then the one two before it. So four cells wait for
-/// no more than a choice between the fourth before them and what that had waited for.
+/// The same for four cells at a time: a NaN takes the cell before it, then the one two before it. So four cells wait
+/// for no more than a choice between the fourth before them and what that had waited for.
 template <typename Real>
 TESSERA_WIDE_VECTORS Real CarryOnWide(const Real* from, Real* to, std::uint32_t count, Real last)
 {

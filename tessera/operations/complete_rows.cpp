@@ -27,8 +27,9 @@ using BitWords::Word;
 using BitWords::WORD_BITS;
 
 constexpr std::uint32_t FEWEST_ROWS = 1U << 16; ///< of a table that is too large for the nearer caches
-constexpr std::uint32_t BLOCK = 512;            ///< rows; of some ten columns, they are still in these when copied
-constexpr std::uint32_t SAMPLES = 32;           ///< blocks
+constexpr std::uint32_t BLOCK = 2048;           ///< rows; of some ten columns, they are still in these when copied
+constexpr std::uint32_t SAMPLES = 32;
+constexpr std::uint32_t SAMPLE = 512; ///< rows
 
 TESSERA_WIDE_VECTORS std::uint32_t NanBits(const double* cells)
 {
@@ -122,11 +123,11 @@ std::uint32_t LikelyCount(Completeness& completeness, std::uint32_t rowCount)
 {
     std::uint64_t found = 0;
     for (std::uint32_t i = 0; i < SAMPLES; ++i) {
-        const auto last = std::uint64_t{rowCount} - BLOCK;
-        found += CountOf(completeness.Choose(static_cast<std::uint32_t>(last * i / (SAMPLES - 1)), BLOCK));
+        const auto last = std::uint64_t{rowCount} - SAMPLE;
+        found += CountOf(completeness.Choose(static_cast<std::uint32_t>(last * i / (SAMPLES - 1)), SAMPLE));
     }
-    const std::uint64_t likely = std::uint64_t{rowCount} * found / (SAMPLES * BLOCK);
-    return static_cast<std::uint32_t>(std::min<std::uint64_t>(rowCount, likely + likely / 50 + BLOCK));
+    const std::uint64_t likely = std::uint64_t{rowCount} * found / (SAMPLES * SAMPLE);
+    return static_cast<std::uint32_t>(std::min<std::uint64_t>(rowCount, likely + likely / 50 + SAMPLE));
 }
 
 /// A column of the result in the making.

@@ -113,8 +113,8 @@ TEST(DropNanRow, OfLargeTablesKeepsTheRowsOfItsMarks)
                 marks[row - FIRST] = std::isnan(doubles[row]) || std::isnan(floats[row]);
             }
         }
-        DataFrame table =
-            TableOf(Column<double>("double", doubles), Column<float>("float", floats), Column<double>("other", doubles));
+        DataFrame table = TableOf(
+            Column<double>("double", doubles), Column<float>("float", floats), Column<double>("other", doubles));
         table.SetRowIndex({FIRST, ROWS});
         const DataFrame expected = table.DropRow(TableOf(Column<bool>("marks", marks)));
         EXPECT_TRUE(IsSameTable(table.DropNanRow(true, Positions{0, 1}), expected)) << &isMissing - patterns;
