@@ -11,5 +11,7 @@ namespace MERVO::Tessera {
  * @return how many of the texts, from the first one on, were parsed. None without wide vectors.
  */
 std::size_t ParseShortIntegers(const std::string* texts, std::size_t count, std::int32_t* values);
+/// The same as ParseShortDecimal does, but of texts of up to 15 characters.
+std::size_t ParseShortDecimals(const std::string* texts, std::size_t count, double* values);
 
 } // namespace MERVO::Tessera

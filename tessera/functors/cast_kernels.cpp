@@ -180,6 +180,8 @@ ErrorCode ParseCells(const void* from, void* to, std::uint32_t count)
     for (std::uint32_t i = 0; i < count;) {
         if constexpr (std::is_same_v<D, std::int32_t>) {
             i += static_cast<std::uint32_t>(ParseShortIntegers(source + i, count - i, target + i));
+        } else if constexpr (std::is_same_v<D, double>) {
+            i += static_cast<std::uint32_t>(ParseShortDecimals(source + i, count - i, target + i));
         }
         for (const std::uint32_t end = i + std::min(FEW, count - i); i < end; ++i) {
             if (FromText(source[i], target[i]) != ERROR_NONE) {
