@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <bit>
 #include <cerrno>
 #include <cmath>
@@ -121,6 +122,39 @@ TEST(TypeCast, DecimalsOfAllLengthsParseAsInTheCLibrary)
     const SeriesPtr target = Column<double>("target", std::vector<double>(texts.size()));
     ASSERT_EQ(CastSeries(source, target).code, 0);
     EXPECT_EQ(CellsOf<double>(target->GetIterator()), wanted);
+}
+
+// Short texts are parsed several at a time, whatever else stands among them.
+TEST(TypeCast, TextsOfAColumnParseAsEachAlone)
+{
+    std::mt19937 random(8);
+    const auto below = [&random](std::size_t bound) { return static_cast<std::size_t>(random()) % bound; };
+    std::vector<std::string> texts(4000);
+    for (std::string& text : texts) {
+        const std::string characters = below(8) == 0 ? "0123456789-. x" : "0123456789";
+        text.resize(below(8) == 0 ? below(18) : 1 + below(8));
+        std::generate(text.begin(), text.end(), [&] { return characters[below(characters.size())]; });
+        if (below(4) == 0) {
+            text.insert(text.begin(), '-');
+        }
+        if (below(2) == 0) {
+            text.insert(text.begin() + static_cast<std::ptrdiff_t>(below(text.size() + 1)), '.');
+        }
+        text.shrink_to_fit();
+    }
+    const SeriesPtr source = Column<std::string>("source", texts);
+    const SeriesPtr whole = BuildSeries({4000, CONTAINER_ARRAY, TESSERA_INT32}, "whole");
+    const SeriesPtr real = BuildSeries({4000, CONTAINER_ARRAY, TESSERA_DOUBLE}, "real");
+    ASSERT_EQ(CastSeries(source, whole).code, 0);
+    ASSERT_EQ(CastSeries(source, real).code, 0);
+    for (std::uint32_t i = 0; i < texts.size(); ++i) {
+        ASSERT_EQ(GetValueFromIterator<std::int32_t>(whole->GetIterator(), i),
+            (CastCell<std::string, std::int32_t>(texts[i])))
+            << texts[i];
+        ASSERT_EQ(std::bit_cast<std::uint64_t>(GetValueFromIterator<double>(real->GetIterator(), i)),
+            std::bit_cast<std::uint64_t>(CastCell<std::string, double>(texts[i])))
+            << texts[i];
+    }
 }
 
 // ---- The functor and its forms
