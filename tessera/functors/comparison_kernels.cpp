@@ -5,6 +5,8 @@
 #include <string>
 #include <type_traits>
 
+#include "tessera/platform/multiversion.h"
+
 namespace MERVO::Tessera::Func {
 namespace {
 
@@ -37,7 +39,8 @@ struct IsLessEqual {
 };
 
 template <typename T, typename Rule>
-void CompareEach(const T* __restrict lefts, const T* __restrict rights, bool* __restrict results, std::uint32_t count)
+[[gnu::always_inline]] inline void CompareEach(
+    const T* __restrict lefts, const T* __restrict rights, bool* __restrict results, std::uint32_t count)
 {
     for (std::uint32_t i = 0; i < count; ++i) {
         results[i] = Rule{}(lefts[i], rights[i]);
@@ -45,9 +48,19 @@ void CompareEach(const T* __restrict lefts, const T* __restrict rights, bool* __
 }
 
 template <typename T, typename Rule>
+TESSERA_WIDE_VECTORS void CompareWide(const T* lefts, const T* rights, bool* results, std::uint32_t count)
+{
+    CompareEach<T, Rule>(lefts, rights, results, count);
+}
+
+template <typename T, typename Rule>
 void CompareNumbers(const void* left, const void* right, void* result, std::uint32_t count)
 {
-    CompareEach<T, Rule>(static_cast<const T*>(left), static_cast<const T*>(right), static_cast<bool*>(result), count);
+    const auto* const lefts = static_cast<const T*>(left);
+    const auto* const rights = static_cast<const T*>(right);
+    auto* const results = static_cast<bool*>(result);
+    HasWideVectors() ? CompareWide<T, Rule>(lefts, rights, results, count)
+                     : CompareEach<T, Rule>(lefts, rights, results, count);
 }
 
 template <typename Rule>

@@ -35,8 +35,8 @@ DataFrame Mixed()
     return TableOf(ColumnOf<std::int32_t>("key", [](auto i) { return i * 5 % 4; }),
         ColumnOf<std::string>(
             "the texts, with a long name", [](auto i) { return "a text that is long: " + NumberText(i); }),
-        ColumnOf<DateTime>("moments", [](auto i) { return DateTime(long{i} * i); }), Doubles("doubles"),
-        Column("tables", SampleValues<DataFrame>(ROWS)));
+        ColumnOf<DateTime>("moments", [](auto i) { return DateTime(static_cast<long>(i) * static_cast<long>(i)); }),
+        Doubles("doubles"), Column("tables", SampleValues<DataFrame>(ROWS)));
 }
 
 bool IsSameButForError(const DataFrameRef& table, const DataFrame& expected)
