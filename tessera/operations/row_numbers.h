@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tessera/core/distinct_keys.h"
+#include "tessera/core/distinct_texts.h"
 #include "tessera/operations/sort_keys.h"
 
 namespace MERVO::Tessera {
@@ -17,7 +18,7 @@ namespace MERVO::Tessera {
  *
  * A row's cells are packed into a key of 64 bits, each with as many bits as its column's range needs. Texts, and what
  * would not fit, are numbered first. Working set: for each distinct row, and each value numbered first, some 32 bytes,
- * for a text 56; or 4 bytes per row where the keys are few.
+ * for a text 64 to 256; or 4 bytes per row where the keys are few.
  */
 class RowNumbers {
 public:
