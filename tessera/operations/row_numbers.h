@@ -58,7 +58,7 @@ private:
     };
 
     void MeasureCells(Part& part, std::uint32_t rows) const;
-    void ReadTexts(Part& part, const Rows& rows, std::uint64_t* keys) const;
+    static void NumberTexts(Part& part, const Rows& rows, std::uint32_t* numbers);
     void ReadNumbers(Part& part, const Rows& rows, std::uint64_t* keys);
     void NumberRows(const Rows& rows, std::uint32_t* numbers);
 
