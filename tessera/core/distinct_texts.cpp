@@ -60,10 +60,11 @@ inline std::uint32_t DistinctTexts::NumberOf(const TextKey& key, std::uint32_t h
     return count++;
 }
 
-void DistinctTexts::Number(std::span<const std::string_view> texts, std::uint32_t* textNumbers)
+template <typename Text>
+void DistinctTexts::NumberAll(std::span<const Text> texts, std::uint32_t* textNumbers)
 {
     if (slots.size() <= FEW_SLOTS) {
-        for (const std::string_view text : texts) {
+        for (const Text& text : texts) {
             PrefetchLater(text);
             const TextKey key(text);
             *textNumbers++ = NumberOf(key, HashOf(key));
@@ -86,5 +87,8 @@ void DistinctTexts::Number(std::span<const std::string_view> texts, std::uint32_
         texts = texts.subspan(block.size());
     }
 }
+
+template void DistinctTexts::NumberAll(std::span<const std::string> texts, std::uint32_t* textNumbers);
+template void DistinctTexts::NumberAll(std::span<const std::string_view> texts, std::uint32_t* textNumbers);
 
 } // namespace MERVO::Tessera

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "tessera/core/block_vector.h"
@@ -22,8 +23,9 @@ public:
     DistinctTexts() : slots(FEWEST_SLOTS) {}
 
     [[nodiscard]] std::uint32_t Count() const { return count; }
-    /// Writes the number of each text. Throws std::bad_alloc.
-    void Number(std::span<const std::string_view> texts, std::uint32_t* textNumbers);
+    /// Write the number of each text. Throw std::bad_alloc.
+    void Number(std::span<const std::string> texts, std::uint32_t* textNumbers) { NumberAll(texts, textNumbers); }
+    void Number(std::span<const std::string_view> texts, std::uint32_t* textNumbers) { NumberAll(texts, textNumbers); }
 
 private:
     static constexpr std::uint32_t FREE = 0xFFFFFFFF;
@@ -35,6 +37,8 @@ private:
     static constexpr std::size_t FEW_SLOTS = 1024;   ///< which are in the first-level cache
     static constexpr std::size_t MANY_SLOTS = 16384; ///< which hardly fit into the second-level one
 
+    template <typename Text>
+    void NumberAll(std::span<const Text> texts, std::uint32_t* textNumbers);
     std::size_t PlaceOf(std::uint32_t hash) const { return hash >> shift; }
     std::uint32_t NumberOf(const TextKey& key, std::uint32_t hash);
     Slot& FreeSlotFor(std::uint32_t hash);

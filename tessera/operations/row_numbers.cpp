@@ -65,6 +65,10 @@ std::uint32_t RowNumbers::Count() const
 
 void RowNumbers::NumberTexts(Part& part, const Rows& rows, std::uint32_t* numbers)
 {
+    if (rows.positions == nullptr && !rows.isDownward) {
+        part.textNumbers.Number(std::span(part.texts + rows.first, rows.count), numbers);
+        return;
+    }
     std::array<std::string_view, BLOCK> texts;
     for (std::uint32_t i = 0; i < rows.count; ++i) {
         texts[i] = part.texts[rows.positions == nullptr ? rows.first + i : rows.positions[i]];
