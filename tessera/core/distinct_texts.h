@@ -14,9 +14,9 @@ namespace MERVO::Tessera {
 /**
  * Numbers distinct texts 0, 1, 2 and so on, in the order in which they come; they stay as they are meanwhile.
  *
- * It is a flat hash table with open addressing, which holds the keys in its slots, as those of texts are seldom looked
- * at without being compared. A slot has 32 bytes, and at most half of them are taken; of few ones at most a quarter, so
- * that hardly any key stands beside its place, where a jump would be mispredicted each time.
+ * It is a flat hash table with open addressing, which holds the keys, so that half a line of the cache tells a text's
+ * number. A slot has 32 bytes, and at most half of them are taken; of few ones at most a quarter, so that hardly any
+ * key stands beside its place, where a jump would be mispredicted each time.
  */
 class DistinctTexts {
 public:

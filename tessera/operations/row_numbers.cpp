@@ -39,6 +39,7 @@ RowNumbers::RowNumbers(std::span<const Cursor> columns, Nan nanRule) : nan(nanRu
         Part& part = parts.emplace_back();
         if (column->GetAttr().typeId == TESSERA_STRING) {
             part.texts = CursorAs<CONTAINER_ARRAY, std::string>(column).mHead;
+            part.textNumbers = std::make_unique<DistinctTexts>();
             part.bits = numberBits;
         } else {
             part.cells = KeysOf(column);
@@ -60,13 +61,13 @@ RowNumbers::RowNumbers(std::span<const Cursor> columns, Nan nanRule) : nan(nanRu
 
 std::uint32_t RowNumbers::Count() const
 {
-    return rowNumbers != nullptr ? rowNumbers->Count() : parts.front().textNumbers.Count();
+    return rowNumbers != nullptr ? rowNumbers->Count() : parts.front().textNumbers->Count();
 }
 
 void RowNumbers::NumberTexts(Part& part, const Rows& rows, std::uint32_t* numbers)
 {
     if (rows.positions == nullptr && !rows.isDownward) {
-        part.textNumbers.Number(std::span(part.texts + rows.first, rows.count), numbers);
+        part.textNumbers->Number(std::span(part.texts + rows.first, rows.count), numbers);
         return;
     }
     std::array<std::string_view, BLOCK> texts;
@@ -76,7 +77,7 @@ void RowNumbers::NumberTexts(Part& part, const Rows& rows, std::uint32_t* number
     if (rows.isDownward) {
         std::reverse(texts.begin(), texts.begin() + rows.count);
     }
-    part.textNumbers.Number({texts.data(), rows.count}, numbers);
+    part.textNumbers->Number({texts.data(), rows.count}, numbers);
 }
 
 void RowNumbers::ReadNumbers(Part& part, const Rows& rows, std::uint64_t* keys)

@@ -44,7 +44,7 @@ private:
         std::unique_ptr<SortKeys> cells; ///< what a number's part is made of, less the lowest one
         std::uint64_t lowest = 0;
         const std::string* texts = nullptr; ///< what takes the part of its number instead
-        DistinctTexts textNumbers;
+        std::unique_ptr<DistinctTexts> textNumbers;
         std::unique_ptr<DistinctKeys> ownNumbers;    ///< where a number takes part by its number
         std::unique_ptr<DistinctKeys> packedNumbers; ///< where what was packed before is numbered, to make room
         unsigned int bits = 0;
