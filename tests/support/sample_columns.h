@@ -69,7 +69,7 @@ T SampleValue(std::uint32_t i)
     } else if constexpr (std::is_same_v<T, std::string>) {
         return std::string(i % 3 * 20, 's') + std::to_string(i);
     } else if constexpr (std::is_same_v<T, DateTime>) {
-        return DateTime(static_cast<long>(i) * 86399 - 1000000);
+        return DateTime(static_cast<std::int32_t>(i * 86399U - 1000000U)); // a long of 32 bits would overflow
     } else {
         DataFrame table;
         EXPECT_EQ(table.template ReadVector<std::int32_t>({static_cast<std::int32_t>(i), -5}, {2, 1}), 0);
