@@ -2,11 +2,9 @@
 
 #include <cstdint>
 #include <span>
-#include <string_view>
 #include <vector>
 
 #include "tessera/core/key_numbers.h"
-#include "tessera/core/text_key.h"
 
 namespace MERVO::Tessera {
 
@@ -25,17 +23,6 @@ private:
     std::vector<std::uint32_t> places; ///< a key's number + 1
     KeyNumbers numbers;
     std::vector<std::uint64_t> numberedKeys;
-};
-
-/// The same for texts, which stay as they are meanwhile.
-class DistinctTexts {
-public:
-    [[nodiscard]] std::uint32_t Count() const { return numbers.Count(); }
-    void Number(std::span<const std::string_view> texts, std::uint32_t* textNumbers);
-
-private:
-    KeyNumbers numbers;
-    std::vector<TextKey> keys;
 };
 
 } // namespace MERVO::Tessera

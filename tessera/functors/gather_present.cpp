@@ -9,11 +9,11 @@ namespace MERVO::Tessera::Func {
 
 bool AreRowsBelow(std::span<const std::uint32_t> rows, std::uint32_t bound)
 {
-    std::uint32_t highest = 0; // of the rows, 1 higher, which makes 0 of NO_ROW
+    std::uint32_t beyond = 0; // of the rows, 1 higher, which makes 0 of NO_ROW
     for (const std::uint32_t row : rows) {
-        highest = std::max(highest, row + 1);
+        beyond |= row + 1 > bound ? 1U : 0U;
     }
-    return highest <= bound;
+    return beyond == 0;
 }
 
 void GatherPresent(const Cursor& src, std::span<const std::uint32_t> rows, const Cursor& dst)

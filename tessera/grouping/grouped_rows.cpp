@@ -99,12 +99,15 @@ void GroupedRows::NumberByBits(Keys keys)
     }
     firstRows.reserve(count);
     begins.resize(count + std::size_t{1});
-    for (std::uint32_t row = 0; row < groupOfRow.size(); ++row) {
-        const std::uint32_t number = groupOfRow[row];
-        if (number == firstRows.size()) {
+    std::uint32_t found = 0;
+    std::uint32_t row = 0;
+    for (const std::uint32_t number : groupOfRow) {
+        if (number == found) {
             firstRows.push_back(row);
+            ++found;
         }
-        ++begins[number + 1];
+        ++begins[number + std::size_t{1}];
+        ++row;
     }
 }
 

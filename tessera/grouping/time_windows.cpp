@@ -83,15 +83,18 @@ ErrorCode CutIntoWindows(
         LogError("Too many rows to resample into: %llu", static_cast<unsigned long long>(rowCount));
         return ERROR_OUT_OF_MEMORY;
     }
-    samples.rows.reserve(samples.rows.size() + static_cast<std::size_t>(rowCount));
+    const std::size_t before = samples.rows.size();
+    samples.rows.reserve(before + static_cast<std::size_t>(rowCount));
     samples.counts.reserve(samples.counts.size() + static_cast<std::size_t>(windowCount));
+    samples.rows.resize(before + static_cast<std::size_t>(rowCount), NO_SAMPLE);
+    std::int32_t* row = samples.rows.data() + before;
     std::size_t place = 0;
     for (const Run& run : runs) {
         const auto empty = static_cast<std::size_t>(run.empty);
-        samples.rows.insert(samples.rows.end(), empty, NO_SAMPLE);
+        row += empty;
         samples.counts.insert(samples.counts.end(), empty, 1U);
         for (const std::size_t end = place + run.rows; place < end; ++place) {
-            samples.rows.push_back(static_cast<std::int32_t>(rows.Row(place)));
+            *row++ = static_cast<std::int32_t>(rows.Row(place));
         }
         if (run.rows != 0) {
             samples.counts.push_back(run.rows);

@@ -39,6 +39,7 @@ RowNumbers::RowNumbers(std::span<const Cursor> columns, Nan nanRule) : nan(nanRu
         Part& part = parts.emplace_back();
         if (column->GetAttr().typeId == TESSERA_STRING) {
             part.texts = CursorAs<CONTAINER_ARRAY, std::string>(column).mHead;
+            part.textNumbers = std::make_unique<DistinctTexts>();
             part.bits = numberBits;
         } else {
             part.cells = KeysOf(column);
@@ -60,21 +61,23 @@ RowNumbers::RowNumbers(std::span<const Cursor> columns, Nan nanRule) : nan(nanRu
 
 std::uint32_t RowNumbers::Count() const
 {
-    return rowNumbers != nullptr ? rowNumbers->Count() : parts.front().textNumbers.Count();
+    return rowNumbers != nullptr ? rowNumbers->Count() : parts.front().textNumbers->Count();
 }
 
-void RowNumbers::ReadTexts(Part& part, const Rows& rows, std::uint64_t* keys) const
+void RowNumbers::NumberTexts(Part& part, const Rows& rows, std::uint32_t* numbers)
 {
+    if (rows.positions == nullptr && !rows.isDownward) {
+        part.textNumbers->Number(std::span(part.texts + rows.first, rows.count), numbers);
+        return;
+    }
     std::array<std::string_view, BLOCK> texts;
-    std::array<std::uint32_t, BLOCK> numbers;
     for (std::uint32_t i = 0; i < rows.count; ++i) {
         texts[i] = part.texts[rows.positions == nullptr ? rows.first + i : rows.positions[i]];
     }
     if (rows.isDownward) {
         std::reverse(texts.begin(), texts.begin() + rows.count);
     }
-    part.textNumbers.Number({texts.data(), rows.count}, numbers.data());
-    std::copy_n(numbers.begin(), rows.count, keys);
+    part.textNumbers->Number({texts.data(), rows.count}, numbers);
 }
 
 void RowNumbers::ReadNumbers(Part& part, const Rows& rows, std::uint64_t* keys)
@@ -102,6 +105,10 @@ void RowNumbers::ReadNumbers(Part& part, const Rows& rows, std::uint64_t* keys)
 
 void RowNumbers::NumberRows(const Rows& rows, std::uint32_t* numbers)
 {
+    if (rowNumbers == nullptr) {
+        NumberTexts(parts.front(), rows, numbers);
+        return;
+    }
     std::array<std::uint64_t, BLOCK> packed;
     std::array<std::uint64_t, BLOCK> next;
     if (parts.empty()) { // and all rows are equal
@@ -113,7 +120,8 @@ void RowNumbers::NumberRows(const Rows& rows, std::uint32_t* numbers)
             NumberInPlace(*part.packedNumbers, {packed.data(), rows.count});
         }
         if (part.texts != nullptr) {
-            ReadTexts(part, rows, keys);
+            NumberTexts(part, rows, numbers);
+            std::copy_n(numbers, rows.count, keys);
         } else {
             ReadNumbers(part, rows, keys);
         }
@@ -122,12 +130,7 @@ void RowNumbers::NumberRows(const Rows& rows, std::uint32_t* numbers)
             packed[i] = packed[i] << bits | next[i];
         }
     }
-    if (rowNumbers != nullptr) {
-        rowNumbers->Number({packed.data(), rows.count}, numbers);
-    } else {
-        std::transform(packed.begin(), packed.begin() + rows.count, numbers,
-            [](std::uint64_t number) { return static_cast<std::uint32_t>(number); });
-    }
+    rowNumbers->Number({packed.data(), rows.count}, numbers);
 }
 
 void RowNumbers::Number(std::span<const std::uint32_t> positions, std::uint32_t* numbers)

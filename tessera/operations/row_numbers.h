@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tessera/core/distinct_keys.h"
+#include "tessera/core/distinct_texts.h"
 #include "tessera/operations/sort_keys.h"
 
 namespace MERVO::Tessera {
@@ -17,7 +18,7 @@ namespace MERVO::Tessera {
  *
  * A row's cells are packed into a key of 64 bits, each with as many bits as its column's range needs. Texts, and what
  * would not fit, are numbered first. Working set: for each distinct row, and each value numbered first, some 32 bytes,
- * for a text 56; or 4 bytes per row where the keys are few.
+ * for a text 64 to 256; or 4 bytes per row where the keys are few.
  */
 class RowNumbers {
 public:
@@ -43,7 +44,7 @@ private:
         std::unique_ptr<SortKeys> cells; ///< what a number's part is made of, less the lowest one
         std::uint64_t lowest = 0;
         const std::string* texts = nullptr; ///< what takes the part of its number instead
-        DistinctTexts textNumbers;
+        std::unique_ptr<DistinctTexts> textNumbers;
         std::unique_ptr<DistinctKeys> ownNumbers;    ///< where a number takes part by its number
         std::unique_ptr<DistinctKeys> packedNumbers; ///< where what was packed before is numbered, to make room
         unsigned int bits = 0;
@@ -57,7 +58,7 @@ private:
     };
 
     void MeasureCells(Part& part, std::uint32_t rows) const;
-    void ReadTexts(Part& part, const Rows& rows, std::uint64_t* keys) const;
+    static void NumberTexts(Part& part, const Rows& rows, std::uint32_t* numbers);
     void ReadNumbers(Part& part, const Rows& rows, std::uint64_t* keys);
     void NumberRows(const Rows& rows, std::uint32_t* numbers);
 
