@@ -38,6 +38,8 @@ public:
         data = block.release();
     }
     DynamicArray(std::uint32_t count, RawCells) : data(BlockFor(count).release()), size(count) {}
+    /// Takes over a block of at least so many cells, which are alive.
+    DynamicArray(std::uint32_t count, Block<T> block) : data(block.release()), size(count) {}
     DynamicArray(const DynamicArray&) = delete;
     DynamicArray& operator=(const DynamicArray&) = delete;
     virtual ~DynamicArray()

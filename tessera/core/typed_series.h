@@ -51,6 +51,10 @@ class Series final : public NamedSeries {
 public:
     explicit Series(const SeriesAttr& seriesAttr) : NamedSeries(seriesAttr), storage(seriesAttr.length) {}
     Series(const SeriesAttr& seriesAttr, RawCells cells) : NamedSeries(seriesAttr), storage(seriesAttr.length, cells) {}
+    Series(const SeriesAttr& seriesAttr, Block<T> cells)
+        : NamedSeries(seriesAttr), storage(seriesAttr.length, std::move(cells))
+    {
+    }
     Series(const Series&) = delete;
     Series& operator=(const Series&) = delete;
     ~Series() override

@@ -7,10 +7,14 @@
 #include "tessera/functors/cell_place.h"
 #include "tessera/functors/gather.h"
 #include "tessera/functors/long_texts.h"
-#include "tessera/functors/number_compression.h"
 #include "tessera/platform/streaming_store.h"
 
 namespace MERVO::Tessera::Func {
+namespace {
+
+std::byte* PlaceOf(const Cursor& numbers) { return static_cast<std::byte*>(CellPlace(numbers).Cell()); }
+
+} // namespace
 
 GatheredColumn::GatheredColumn(Cursor source, std::uint32_t length, std::string name) : from(std::move(source))
 {
@@ -25,8 +29,10 @@ GatheredColumn::GatheredColumn(Cursor source, std::uint32_t length, std::string 
     } else {
         column = BuildSeries(WithLength(from->GetAttr(), length), std::move(name));
         to = column->GetIterator();
-        cellSize = static_cast<std::size_t>(CellSizeOf(column->GetTypeId()));
-        isStreamed = HasStreamingStores() && length >= STREAMED_FROM / cellSize;
+        const auto cellSize = static_cast<std::size_t>(CellSizeOf(column->GetTypeId()));
+        if (to != nullptr && CanCompress(cellSize)) {
+            compression.emplace(cellSize, PlaceOf(from), PlaceOf(to), length >= STREAMED_FROM / cellSize);
+        }
     }
 }
 
@@ -38,16 +44,6 @@ void GatheredColumn::Append(std::span<const std::uint32_t> positions)
         Gather(from, positions, to);
         to->Shift(static_cast<long long>(positions.size()));
     }
-}
-
-bool GatheredColumn::IsCompressible() const { return to != nullptr && CanCompress(cellSize); }
-
-void GatheredColumn::AppendChosen(const RowChoice& rows)
-{
-    auto* const cell = static_cast<std::byte*>(CellPlace(to).Cell());
-    const auto* const numbers = static_cast<const std::byte*>(CellPlace(from).Cell());
-    const std::byte* const behind = CompressNumbers(cellSize, numbers, rows, cell, isStreamed);
-    to->Shift((behind - cell) / static_cast<std::ptrdiff_t>(cellSize));
 }
 
 void GatheredColumn::AppendTexts(std::span<const std::uint32_t> positions)
@@ -66,6 +62,9 @@ void GatheredColumn::AppendTexts(std::span<const std::uint32_t> positions)
 SeriesPtr GatheredColumn::Finish()
 {
     FillTexts();
+    if (compression.has_value()) {
+        compression->Finish();
+    }
     return std::move(column);
 }
 

@@ -2,12 +2,13 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
 
 #include "tessera/core/series.h"
-#include "tessera/functors/row_choice.h"
+#include "tessera/functors/number_compression.h"
 
 namespace MERVO::Tessera::Func {
 
@@ -26,10 +27,11 @@ public:
     /// Appends the elements at some positions, each below source's length, and no more than there is room for. Throws
     /// std::bad_alloc where a long text has no room.
     void Append(std::span<const std::uint32_t> positions);
-    /// Whether AppendChosen serves the column: numbers are copied by vectors, where the processor has the means.
-    bool IsCompressible() const;
+    /// Whether AppendChosen serves the column: numbers are copied by vectors, where the processor has the means. A
+    /// column is appended to in one of the two ways only.
+    bool IsCompressible() const { return compression.has_value(); }
     /// Appends the elements of chosen rows.
-    void AppendChosen(const RowChoice& rows);
+    void AppendChosen(const RowChoice& rows) { compression->Append(rows); }
     /// Gives the column away; texts that were not appended are empty.
     SeriesPtr Finish();
 
@@ -40,8 +42,7 @@ private:
     Cursor from;
     SeriesPtr column;
     Cursor to; ///< on what has not been appended, unless they are texts
-    std::size_t cellSize = 0;
-    bool isStreamed = false;
+    std::optional<NumberCompression> compression;
     std::string* next = nullptr; ///< the first of the texts that are not constructed yet
     std::string* end = nullptr;
 };

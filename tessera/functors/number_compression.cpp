@@ -4,9 +4,7 @@
 
 #ifdef TESSERA_WIDE_VECTOR_BYTES
 #include <algorithm>
-#include <array>
 #include <bit>
-#include <cstdint>
 #include <cstring>
 #include <immintrin.h>
 #endif
@@ -21,8 +19,6 @@ using BitWords::WORD_BITS;
 
 constexpr std::size_t VECTOR = TESSERA_WIDE_VECTOR_BYTES;
 constexpr std::size_t PARTS = VECTOR / sizeof(std::uint32_t); ///< of a vector, that can be moved about
-constexpr std::size_t LINE = 64;
-constexpr std::size_t STAGE = 4096; ///< bytes, at home in the first-level cache
 
 /// For each choice among the cells of a vector, the order of its parts that brings the chosen ones to the front.
 template <std::size_t CELLS>
@@ -64,82 +60,65 @@ TESSERA_WIDE_VECTORS std::byte* CompressWords(std::span<const Word> words, const
     return to;
 }
 
-/// Bytes on their way to adjacent places, of which whole lines go past the caches where that is asked for.
-class Stage {
-public:
-    Stage(std::byte* destination, bool streams) : to(destination), isStreamed(streams) {}
-
-    /// Room for STAGE bytes and a vector.
-    std::byte* Room() { return staged.data() + held; }
-    void FilledTo(const std::byte* end)
-    {
-        held = static_cast<std::size_t>(end - staged.data());
-        if (!isStreamed) {
-            Write(held, false);
-            return;
-        }
-        Write(std::min(held, -reinterpret_cast<std::uintptr_t>(to) % LINE), false); // to the start of a line
-        Write(held / LINE * LINE, true);
-    }
-    std::byte* Finish()
-    {
-        Write(held, false);
-        if (isStreamed) {
-            FinishStreaming();
-        }
-        return to;
-    }
-
-private:
-    void Write(std::size_t count, bool past)
-    {
-        if (past) {
-            StreamBytes(to, staged.data(), count);
-        } else {
-            std::memcpy(to, staged.data(), count);
-        }
-        to += count;
-        held -= count;
-        std::memmove(staged.data(), staged.data() + count, held);
-    }
-
-    std::byte* to;
-    bool isStreamed;
-    std::size_t held = 0;
-    alignas(LINE) std::array<std::byte, STAGE + LINE + VECTOR> staged;
-};
+} // namespace
 
 template <std::size_t CELLS>
-TESSERA_WIDE_VECTORS std::byte* Compress(
-    const std::byte* numbers, const RowChoice& rows, std::byte* to, bool isStreamed)
+TESSERA_WIDE_VECTORS void NumberCompression::Compress(const RowChoice& rows)
 {
     constexpr std::size_t CELL_SIZE = VECTOR / CELLS;
     constexpr std::size_t STEP = STAGE / CELL_SIZE / WORD_BITS; // words
-    Stage stage(to, isStreamed);
-    const std::byte* from = numbers + rows.first * CELL_SIZE;
+    const std::byte* const first = from + rows.first * CELL_SIZE;
     const std::size_t whole = rows.count / WORD_BITS; // words
+    const auto stage = [this](std::span<const Word> words, const std::byte* cells) {
+        std::byte* const end = CompressWords<CELLS>(words, cells, staged.data() + held);
+        held = static_cast<std::size_t>(end - staged.data());
+        Flush();
+    };
     for (std::size_t word = 0; word < whole; word += STEP) {
-        const auto words = rows.bits.subspan(word, std::min(STEP, whole - word));
-        stage.FilledTo(CompressWords<CELLS>(words, from + word * WORD_BITS * CELL_SIZE, stage.Room()));
+        stage(rows.bits.subspan(word, std::min(STEP, whole - word)), first + word * WORD_BITS * CELL_SIZE);
     }
     if (whole != rows.bits.size()) { // the last cells, behind which nothing may be read
-        alignas(LINE) std::array<std::byte, WORD_BITS * CELL_SIZE> last{};
-        std::memcpy(last.data(), from + whole * last.size(), rows.count % WORD_BITS * CELL_SIZE);
-        stage.FilledTo(CompressWords<CELLS>(rows.bits.last(1), last.data(), stage.Room()));
+        std::array<std::byte, WORD_BITS * CELL_SIZE> last{};
+        std::memcpy(last.data(), first + whole * last.size(), rows.count % WORD_BITS * CELL_SIZE);
+        stage(rows.bits.last(1), last.data());
     }
-    return stage.Finish();
 }
 
-} // namespace
-
-std::byte* CompressNumbers(
-    std::size_t cellSize, const std::byte* numbers, const RowChoice& rows, std::byte* to, bool isStreamed)
+void NumberCompression::Flush()
 {
-    return cellSize == sizeof(std::uint64_t) ? Compress<4>(numbers, rows, to, isStreamed)
-                                             : Compress<8>(numbers, rows, to, isStreamed);
+    if (!isStreamed) {
+        Write(held, false);
+        return;
+    }
+    Write(std::min(held, -reinterpret_cast<std::uintptr_t>(to) % LINE), false); // to the start of a line
+    Write(held / LINE * LINE, true);
+}
+
+void NumberCompression::Write(std::size_t count, bool past)
+{
+    if (past) {
+        StreamBytes(to, staged.data(), count);
+    } else {
+        std::memcpy(to, staged.data(), count);
+    }
+    to += count;
+    held -= count;
+    std::memmove(staged.data(), staged.data() + count, held);
+}
+
+void NumberCompression::Append(const RowChoice& rows)
+{
+    cellSize == sizeof(std::uint64_t) ? Compress<4>(rows) : Compress<8>(rows);
+}
+
+void NumberCompression::Finish()
+{
+    Write(held, false);
+    FinishStreaming();
 }
 #else
-std::byte* CompressNumbers(std::size_t, const std::byte*, const RowChoice&, std::byte* to, bool) { return to; }
+void NumberCompression::Append(const RowChoice&) {}
+void NumberCompression::Finish() {}
 #endif
 
 } // namespace MERVO::Tessera::Func

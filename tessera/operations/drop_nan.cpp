@@ -1,12 +1,13 @@
 #include <algorithm>
 #include <numeric>
+#include <optional>
 #include <utility>
 
 #include "tessera/core/data_frame.h"
 #include "tessera/core/window_bounds.h"
 #include "tessera/functors/error_functors.h"
 #include "tessera/functors/table_combination.h"
-#include "tessera/operations/nan_counts.h"
+#include "tessera/operations/complete_rows.h"
 
 namespace MERVO::Tessera {
 namespace {
@@ -60,6 +61,11 @@ DataFrame DropRowsByNans(const DataFrame& table, const Positions& positions, std
             return FailedTable(refusal.code, refusal.message);
         }
         sources.emplace_back(column);
+    }
+    if (limit == 0) {
+        if (std::optional<DataFrame> complete = CompleteRows(table, sources)) {
+            return std::move(*complete);
+        }
     }
     const DataFrame filter = GetEmptyDataFrame({table.RowCount(), 1}, TESSERA_BOOL);
     const Cursor marks = filter.GetSlicedIterator(filter.GetColumn(0));

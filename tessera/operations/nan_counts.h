@@ -18,6 +18,10 @@ public:
     void Count(std::uint32_t first, std::uint32_t count, std::uint8_t* counts) const;
     /// Whether an element of the column can be NaN at all.
     bool CanHaveNan() const { return single != nullptr || twice != nullptr; }
+    /// The first element where they are of float, else null.
+    const float* Floats() const { return single; }
+    /// The same of double.
+    const double* Doubles() const { return twice; }
 
 private:
     const float* single = nullptr;

@@ -81,19 +81,19 @@ void RowNumbers::ReadNumbers(Part& part, const Rows& rows, std::uint64_t* keys)
 {
     if (rows.positions != nullptr) {
         part.cells->Read({rows.positions, rows.count}, 0, keys);
+        for (std::uint32_t i = 0; i < rows.count; ++i) {
+            keys[i] -= part.lowest;
+        }
     } else {
-        part.cells->ReadRange(rows.first, rows.count, keys);
+        part.cells->ReadRange(rows.first, rows.count, part.lowest, keys);
     }
     if (rows.isDownward) {
         std::reverse(keys, keys + rows.count);
     }
     if (part.cells->MayHaveNan() && nan == Nan::NONE_EQUAL) {
         for (std::uint32_t i = 0; i < rows.count; ++i) {
-            keys[i] -= keys[i] == SortKeys::NAN_KEY ? nanCount++ : 0;
+            keys[i] -= keys[i] == SortKeys::NAN_KEY - part.lowest ? nanCount++ : 0;
         }
-    }
-    for (std::uint32_t i = 0; i < rows.count; ++i) {
-        keys[i] -= part.lowest;
     }
     if (part.ownNumbers != nullptr) {
         NumberInPlace(*part.ownNumbers, {keys, rows.count});
@@ -104,19 +104,21 @@ void RowNumbers::NumberRows(const Rows& rows, std::uint32_t* numbers)
 {
     std::array<std::uint64_t, BLOCK> packed;
     std::array<std::uint64_t, BLOCK> next;
-    std::fill_n(packed.begin(), rows.count, std::uint64_t{0});
+    if (parts.empty()) { // and all rows are equal
+        std::fill_n(packed.begin(), rows.count, std::uint64_t{0});
+    }
     for (Part& part : parts) {
+        std::uint64_t* const keys = &part == &parts.front() ? packed.data() : next.data();
         if (part.packedNumbers != nullptr) {
             NumberInPlace(*part.packedNumbers, {packed.data(), rows.count});
         }
         if (part.texts != nullptr) {
-            ReadTexts(part, rows, next.data());
+            ReadTexts(part, rows, keys);
         } else {
-            ReadNumbers(part, rows, next.data());
+            ReadNumbers(part, rows, keys);
         }
-        const unsigned int bits = part.bits % KEY_BITS; // a part of all bits is the only one
-        for (std::uint32_t i = 0; i < rows.count; ++i) {
-            packed[i] = packed[i] << bits | next[i];
+        for (std::uint32_t i = 0; keys == next.data() && i < rows.count; ++i) {
+            packed[i] = packed[i] << part.bits | next[i]; // a part of all bits is the only one
         }
     }
     if (rowNumbers != nullptr) {

@@ -11,6 +11,7 @@
 #include "tessera/core/date_time.h"
 #include "tessera/core/scattered.h"
 #include "tessera/operations/different_elements.h"
+#include "tessera/platform/multiversion.h"
 
 namespace MERVO::Tessera {
 namespace {
@@ -110,11 +111,10 @@ public:
     {
         VisitElements<T>(elements, positions, [keys](std::size_t i, auto place) { keys[i] = KeyAt(place); });
     }
-    void ReadRange(std::uint32_t first, std::uint32_t count, std::uint64_t* keys) const override
+    void ReadRange(std::uint32_t first, std::uint32_t count, std::uint64_t lowest, std::uint64_t* keys) const override
     {
-        for (std::uint32_t i = 0; i < count; ++i) {
-            keys[i] = KeyAt(elements.PlaceOf(first + i));
-        }
+        HasWideVectors() ? ReadWide(elements, first, count, lowest, keys)
+                         : ReadEach(elements, first, count, lowest, keys);
     }
     std::pair<std::uint64_t, std::uint64_t> BoundsOf(std::uint32_t count) const override
     {
@@ -142,6 +142,20 @@ public:
     }
 
 private:
+    [[gnu::always_inline]] static void ReadEach(
+        const Elements& elements, std::uint32_t first, std::uint32_t count, std::uint64_t lowest, std::uint64_t* keys)
+    {
+        const Elements own = elements; // which no key that is written can alter
+        for (std::uint32_t i = 0; i < count; ++i) {
+            keys[i] = KeyAt(own.PlaceOf(first + i)) - lowest;
+        }
+    }
+    TESSERA_WIDE_VECTORS static void ReadWide(
+        const Elements& elements, std::uint32_t first, std::uint32_t count, std::uint64_t lowest, std::uint64_t* keys)
+    {
+        ReadEach(elements, first, count, lowest, keys);
+    }
+
     template <typename Place>
     static std::uint64_t KeyAt(const Place& place)
     {
@@ -209,7 +223,7 @@ public:
             keys[i] = KeyOfText(text->data() + offset, text->size() - offset);
         });
     }
-    void ReadRange(std::uint32_t, std::uint32_t, std::uint64_t*) const override {}
+    void ReadRange(std::uint32_t, std::uint32_t, std::uint64_t, std::uint64_t*) const override {}
     std::pair<std::uint64_t, std::uint64_t> BoundsOf(std::uint32_t) const override { return {0, 0}; }
     std::size_t SharedBytes(Positions positions, std::size_t offset) const override
     {

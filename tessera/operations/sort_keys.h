@@ -27,8 +27,9 @@ public:
      * @param offset how many bytes of each text come before those that count; 0 for numbers. Each text has as many.
      */
     virtual void Read(Positions positions, std::size_t offset, std::uint64_t* keys) const = 0;
-    /// Writes the keys of adjacent numbers from a position on.
-    virtual void ReadRange(std::uint32_t first, std::uint32_t count, std::uint64_t* keys) const = 0;
+    /// Writes by how much the keys of adjacent numbers, from a position on, exceed a key that is not above them.
+    virtual void ReadRange(
+        std::uint32_t first, std::uint32_t count, std::uint64_t lowest, std::uint64_t* keys) const = 0;
     /// The lowest and the highest key of that many numbers from the first on.
     virtual std::pair<std::uint64_t, std::uint64_t> BoundsOf(std::uint32_t count) const = 0;
     /// How many bytes all texts at some positions have in common. It is known that they share the first `offset`.

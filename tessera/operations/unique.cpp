@@ -23,7 +23,7 @@ void FindFirstOnes(const Cursor& column, std::vector<std::uint32_t>& index)
     for (std::uint32_t first = 0; first < length && !(isBool && found == BOOL_VALUES);) {
         const std::uint32_t count = std::min(RowNumbers::BLOCK, length - first);
         rows.NumberUp(first, count, numbers.data());
-        for (std::uint32_t i = 0; i < count; ++i) {
+        for (std::uint32_t i = 0; found != rows.Count(); ++i) {
             if (numbers[i] == found) {
                 index.push_back(first + i);
                 ++found;

@@ -1,6 +1,7 @@
 // Dropping rows and columns that have missing values.
 
 #include <cmath>
+#include <functional>
 #include <set>
 
 #include <gmock/gmock.h>
@@ -9,6 +10,7 @@
 #include "tests/support/failing_allocation.h"
 #include "tests/support/handle.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/same_tables.h"
 
 namespace MERVO::Tessera {
 namespace {
@@ -88,6 +90,37 @@ std::vector<std::int32_t> NumbersOf(const DataFrame& table)
 }
 
 // Blocks of rows are 2048 long, and cells of a row are counted in bytes that hold up to 255.
+// Large tables of numbers are gone through once, into room for as many rows as samples let expect.
+TEST(DropNanRow, OfLargeTablesKeepsTheRowsOfItsMarks)
+{
+    constexpr std::uint32_t ROWS = 1'500'077;
+    constexpr std::uint32_t FIRST = 5;
+    const std::function<bool(Random&, std::uint32_t)> patterns[] = {
+        [](Random&, std::uint32_t) { return false; },
+        [](Random& random, std::uint32_t) { return random.Below(100) < 30; },
+        [](Random&, std::uint32_t row) { return row < 1'000 || row > 48'000; }, // between two samples
+        [](Random&, std::uint32_t) { return true; },
+    };
+    for (const auto& isMissing : patterns) {
+        Random random{7};
+        std::vector<double> doubles(ROWS);
+        std::vector<float> floats(ROWS);
+        std::vector<bool> marks(ROWS - FIRST);
+        for (std::uint32_t row = 0; row < ROWS; ++row) {
+            doubles[row] = isMissing(random, row) ? NO_VALUE : row;
+            floats[row] = isMissing(random, row) ? std::nanf("") : static_cast<float>(row);
+            if (row >= FIRST) {
+                marks[row - FIRST] = std::isnan(doubles[row]) || std::isnan(floats[row]);
+            }
+        }
+        DataFrame table = TableOf(
+            Column<double>("double", doubles), Column<float>("float", floats), Column<double>("other", doubles));
+        table.SetRowIndex({FIRST, ROWS});
+        const DataFrame expected = table.DropRow(TableOf(Column<bool>("marks", marks)));
+        EXPECT_TRUE(IsSameTable(table.DropNanRow(true, Positions{0, 1}), expected)) << &isMissing - patterns;
+    }
+}
+
 TEST(DropNanRow, KeepsWhatAModelKeeps)
 {
     Random random(3);
