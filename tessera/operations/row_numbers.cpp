@@ -117,8 +117,9 @@ void RowNumbers::NumberRows(const Rows& rows, std::uint32_t* numbers)
         } else {
             ReadNumbers(part, rows, keys);
         }
+        const unsigned int bits = part.bits % KEY_BITS; // beside a part of all bits, no other one has any
         for (std::uint32_t i = 0; keys == next.data() && i < rows.count; ++i) {
-            packed[i] = packed[i] << part.bits | next[i]; // a part of all bits is the only one
+            packed[i] = packed[i] << bits | next[i];
         }
     }
     if (rowNumbers != nullptr) {

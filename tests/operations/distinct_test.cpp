@@ -247,14 +247,15 @@ DataFrame TableOfFewValues(Random& random, std::uint32_t rows)
     };
     [&]<std::size_t... I>(std::index_sequence<I...>) { (add(std::type_identity<ValueTypes::At<I>>{}), ...); }
     (std::make_index_sequence<TESSERA_DATAFRAME>{});
+    columns.push_back(Column<std::int8_t>("same", std::vector<std::int8_t>(rows, 1))); // takes no part of a key
     return DataFrame(std::move(columns));
 }
 
 TEST(Duplicated, MarksWhatAModelMarks)
 {
     Random random(12);
-    const std::vector<Positions> subsets{
-        {5}, {11}, {9}, {10, 0}, {0, 1}, {11, 12}, {7, 8}, {7, 8, 5, 11, 12, 6}, {11, 8, 7}, {9, 10, 11}, {5, 5}, {}};
+    const std::vector<Positions> subsets{{5}, {11}, {9}, {10, 0}, {0, 1}, {11, 12}, {7, 8}, {7, 8, 5, 11, 12, 6},
+        {11, 8, 7}, {9, 10, 11}, {5, 5}, {13, 7}, {8, 13}, {}};
     for (int round = 0; round < 10; ++round) {
         for (const std::uint32_t rows : {1U, 40U, 700U}) {
             const DataFrame table = TableOfFewValues(random, rows);
