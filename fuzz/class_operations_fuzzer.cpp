@@ -237,8 +237,8 @@ void SortRows(Play& play)
     };
     const ErrorCode code = sort(target);
     Require(IsDocumented(code), "a sort's code is documented");
-    if (copy != nullptr) {
-        Require(sort(*copy) == code, "a window is sorted as a copy of it is");
+    if (copy != nullptr) { // a name outside the window is refused by another code than one that no column has
+        Require((sort(*copy) == ERROR_NONE) == (code == ERROR_NONE), "a window is sorted as a copy of it is");
         RequireSame(*copy, target, "a window is sorted as a copy of it is");
     }
 }
