@@ -1,5 +1,6 @@
 #include "tessera/functors/cast_kernels.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstring>
@@ -13,6 +14,7 @@
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
 #include "tessera/core/numeric_cast.h"
+#include "tessera/core/short_numbers.h"
 #include "tessera/functors/assign_text.h"
 #include "tessera/functors/cell_conversion.h"
 
@@ -172,11 +174,19 @@ ErrorCode WriteCells(const void* from, void* to, std::uint32_t count)
 template <typename D>
 ErrorCode ParseCells(const void* from, void* to, std::uint32_t count)
 {
+    constexpr std::uint32_t FEW = 16; // texts between looks at whether many can be parsed at once
     const auto* source = static_cast<const std::string*>(from);
     auto* target = static_cast<D*>(to);
-    for (std::uint32_t i = 0; i < count; ++i) {
-        if (FromText(source[i], target[i]) != ERROR_NONE) {
-            return TellRefusedText<D>(source[i]);
+    for (std::uint32_t i = 0; i < count;) {
+        if constexpr (std::is_same_v<D, std::int32_t>) {
+            i += static_cast<std::uint32_t>(ParseShortIntegers(source + i, count - i, target + i));
+        } else if constexpr (std::is_same_v<D, double>) {
+            i += static_cast<std::uint32_t>(ParseShortDecimals(source + i, count - i, target + i));
+        }
+        for (const std::uint32_t end = i + std::min(FEW, count - i); i < end; ++i) {
+            if (FromText(source[i], target[i]) != ERROR_NONE) {
+                return TellRefusedText<D>(source[i]);
+            }
         }
     }
     return ERROR_NONE;
