@@ -41,7 +41,8 @@ std::unique_ptr<DataFrame> CopyOf(const DataFrameRef& table)
 {
     auto copy = std::make_unique<DataFrame>();
     copy->DeepCopy(table);
-    const bool hasLostRows = table.ColumnCount() == 0 && table.RowCount() != 0; // a window may have rows without columns
+    const bool hasLostRows =
+        table.ColumnCount() == 0 && table.RowCount() != 0; // a window may have rows without columns
     return copy->GetError().code == ERROR_NONE && !hasLostRows ? std::move(copy) : nullptr;
 }
 
