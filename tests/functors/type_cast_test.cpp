@@ -131,7 +131,7 @@ TEST(TypeCast, TextsOfAColumnParseAsEachAlone)
     const auto below = [&random](std::size_t bound) { return static_cast<std::size_t>(random()) % bound; };
     std::vector<std::string> texts(4000);
     for (std::string& text : texts) {
-        const std::string characters = below(8) == 0 ? "0123456789-. x" : "0123456789";
+        const std::string characters = below(8) == 0 ? "0123456789-. x/:" : "0123456789";
         text.resize(below(8) == 0 ? below(18) : 1 + below(8));
         std::generate(text.begin(), text.end(), [&] { return characters[below(characters.size())]; });
         if (below(4) == 0) {
