@@ -157,6 +157,19 @@ TEST(TypeCast, TextsOfAColumnParseAsEachAlone)
     }
 }
 
+TEST(TypeCast, FourTextsWithOneOtherCharacterParseAsEachAlone)
+{
+    for (int character = 1; character < 128; ++character) {
+        const std::vector<std::string> texts{"12", std::string("1") + static_cast<char>(character) + "3", "5", "-7"};
+        const SeriesPtr source = Column<std::string>("source", texts);
+        const SeriesPtr whole = BuildSeries({4, CONTAINER_ARRAY, TESSERA_INT32}, "whole");
+        ASSERT_EQ(CastSeries(source, whole).code, 0);
+        EXPECT_EQ(GetValueFromIterator<std::int32_t>(whole->GetIterator(), 1),
+            (CastCell<std::string, std::int32_t>(texts[1])))
+            << texts[1];
+    }
+}
+
 // ---- The functor and its forms
 
 TEST(TypeCast, TellsNameAndShape)
