@@ -4,6 +4,7 @@
 
 #ifdef TESSERA_WIDE_VECTOR_BYTES
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 #include <immintrin.h>
@@ -60,61 +61,86 @@ TESSERA_WIDE_VECTORS std::byte* CompressWords(std::span<const Word> words, const
     return to;
 }
 
-} // namespace
+/// Bytes on their way to adjacent places, of which whole lines go past the caches where that is asked for.
+class Stage {
+public:
+    static constexpr std::size_t BYTES = 4096; ///< at home in the first-level cache
 
-template <std::size_t CELLS>
-TESSERA_WIDE_VECTORS void NumberCompression::Compress(const RowChoice& rows)
-{
-    constexpr std::size_t CELL_SIZE = VECTOR / CELLS;
-    constexpr std::size_t STEP = STAGE / CELL_SIZE / WORD_BITS; // words
-    const std::byte* const first = from + rows.first * CELL_SIZE;
-    const std::size_t whole = rows.count / WORD_BITS; // words
-    const auto stage = [this](std::span<const Word> words, const std::byte* cells) {
-        std::byte* const end = CompressWords<CELLS>(words, cells, staged.data() + held);
+    Stage(std::byte* destination, bool streams) : to(destination), isStreamed(streams) {}
+
+    /// Room for BYTES, and a vector behind them.
+    std::byte* Room() { return staged.data() + held; }
+    void FilledTo(const std::byte* end)
+    {
         held = static_cast<std::size_t>(end - staged.data());
-        Flush();
-    };
+        if (isStreamed) {
+            Write(std::min(held, -reinterpret_cast<std::uintptr_t>(to) % LINE), false); // to the start of a line
+            Write(held / LINE * LINE, true);
+        } else {
+            Write(held, false);
+        }
+    }
+    /// Gives the place behind the last byte.
+    std::byte* Finish()
+    {
+        Write(held, false);
+        return to;
+    }
+
+private:
+    void Write(std::size_t count, bool past)
+    {
+        if (past) {
+            StreamBytes(to, staged.data(), count);
+        } else {
+            std::memcpy(to, staged.data(), count);
+        }
+        to += count;
+        held -= count;
+        std::memmove(staged.data(), staged.data() + count, held);
+    }
+
+    static constexpr std::size_t LINE = 64;
+
+    std::byte* to;
+    bool isStreamed;
+    std::size_t held = 0;
+    alignas(LINE) std::array<std::byte, BYTES + LINE + VECTOR> staged;
+};
+
+/// Copies the chosen ones of rows, the first of which stands at `from`. Gives the place behind the last one.
+template <std::size_t CELLS>
+std::byte* Compress(const RowChoice& rows, const std::byte* from, std::byte* to, bool isStreamed)
+{
+    constexpr std::size_t WORD_BYTES = WORD_BITS * (VECTOR / CELLS); // of the cells that a word tells of
+    constexpr std::size_t STEP = Stage::BYTES / WORD_BYTES;          // words
+    Stage stage(to, isStreamed);
+    const std::size_t whole = rows.count / WORD_BITS; // words
     for (std::size_t word = 0; word < whole; word += STEP) {
-        stage(rows.bits.subspan(word, std::min(STEP, whole - word)), first + word * WORD_BITS * CELL_SIZE);
+        const auto words = rows.bits.subspan(word, std::min(STEP, whole - word));
+        stage.FilledTo(CompressWords<CELLS>(words, from + word * WORD_BYTES, stage.Room()));
     }
     if (whole != rows.bits.size()) { // the last cells, behind which nothing may be read
-        std::array<std::byte, WORD_BITS * CELL_SIZE> last{};
-        std::memcpy(last.data(), first + whole * last.size(), rows.count % WORD_BITS * CELL_SIZE);
-        stage(rows.bits.last(1), last.data());
+        std::array<std::byte, WORD_BYTES> last{};
+        std::memcpy(last.data(), from + whole * WORD_BYTES, rows.count % WORD_BITS * (VECTOR / CELLS));
+        stage.FilledTo(CompressWords<CELLS>(rows.bits.last(1), last.data(), stage.Room()));
     }
+    return stage.Finish();
 }
 
-void NumberCompression::Flush()
-{
-    if (!isStreamed) {
-        Write(held, false);
-        return;
-    }
-    Write(std::min(held, -reinterpret_cast<std::uintptr_t>(to) % LINE), false); // to the start of a line
-    Write(held / LINE * LINE, true);
-}
-
-void NumberCompression::Write(std::size_t count, bool past)
-{
-    if (past) {
-        StreamBytes(to, staged.data(), count);
-    } else {
-        std::memcpy(to, staged.data(), count);
-    }
-    to += count;
-    held -= count;
-    std::memmove(staged.data(), staged.data() + count, held);
-}
+} // namespace
 
 void NumberCompression::Append(const RowChoice& rows)
 {
-    cellSize == sizeof(std::uint64_t) ? Compress<4>(rows) : Compress<8>(rows);
+    const auto compress = cellSize == sizeof(std::uint64_t) ? &Compress<4> : &Compress<8>;
+    to = compress(rows, from + rows.first * cellSize, to, isStreamed);
 }
 
 void NumberCompression::Finish()
 {
-    Write(held, false);
-    FinishStreaming();
+    if (isStreamed) {
+        FinishStreaming();
+    }
 }
 #else
 void NumberCompression::Append(const RowChoice&) {}

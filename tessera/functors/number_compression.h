@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -10,7 +9,7 @@
 namespace MERVO::Tessera::Func {
 
 #ifdef TESSERA_WIDE_VECTOR_BYTES
-/// Whether CompressNumbers serves cells of so many bytes on this processor.
+/// Whether NumberCompression serves cells of so many bytes on this processor.
 inline bool CanCompress(std::size_t cellSize)
 {
     return HasWideVectors() && (cellSize == sizeof(std::uint32_t) || cellSize == sizeof(std::uint64_t));
@@ -35,23 +34,12 @@ public:
     {
     }
 
+    /// Copies those of further rows.
     void Append(const RowChoice& rows);
-    /// Writes what is held back: lines of the cache that are not full yet.
+    /// Makes sure that other threads see what was copied.
     void Finish();
 
 private:
-#ifdef TESSERA_WIDE_VECTOR_BYTES
-    template <std::size_t CELLS>
-    void Compress(const RowChoice& rows);
-    void Flush();
-    void Write(std::size_t count, bool past);
-
-    static constexpr std::size_t LINE = 64;
-    static constexpr std::size_t STAGE = 1024; ///< bytes, at home in the first-level cache with those of other columns
-
-    alignas(LINE) std::array<std::byte, STAGE + LINE + TESSERA_WIDE_VECTOR_BYTES> staged;
-    std::size_t held = 0;
-#endif
     std::size_t cellSize;
     const std::byte* from;
     std::byte* to;

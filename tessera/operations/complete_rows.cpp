@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <deque>
 #include <immintrin.h>
 #include <vector>
 
@@ -130,12 +129,14 @@ std::uint32_t LikelyCount(Completeness& completeness, std::uint32_t rowCount)
     return static_cast<std::uint32_t>(std::min<std::uint64_t>(rowCount, likely + likely / 50 + SAMPLE));
 }
 
+std::size_t SizeOfCell(const Cursor& column) { return static_cast<std::size_t>(CellSizeOf(column->GetAttr().typeId)); }
+
 /// A column of the result in the making.
 struct CompleteColumn {
-    CompleteColumn(const Cursor& source, std::size_t cellSize, std::uint32_t room)
-        : numbers(MakeBlock<std::byte>(room * cellSize)),
-          compression(cellSize, static_cast<const std::byte*>(Func::CellPlace(source).Cell()), numbers.get(),
-              room >= STREAMED_FROM / cellSize)
+    CompleteColumn(const Cursor& source, std::uint32_t room)
+        : numbers(MakeBlock<std::byte>(room * SizeOfCell(source))),
+          compression(SizeOfCell(source), static_cast<const std::byte*>(Func::CellPlace(source).Cell()), numbers.get(),
+              room >= STREAMED_FROM / SizeOfCell(source))
     {
     }
 
@@ -145,8 +146,20 @@ struct CompleteColumn {
 
 bool IsServed(const Cursor& column)
 {
-    return column != nullptr && column->IsMemoryContiguous() &&
-        Func::CanCompress(static_cast<std::size_t>(CellSizeOf(column->GetAttr().typeId)));
+    return column != nullptr && column->IsMemoryContiguous() && Func::CanCompress(SizeOfCell(column));
+}
+
+/// All columns of a table; none where one of them is not served.
+std::vector<Cursor> ServedColumns(const DataFrameRef& table)
+{
+    std::vector<Cursor> columns;
+    for (unsigned int k = 0; k < table.ColumnCount(); ++k) {
+        columns.push_back(table.GetSlicedIterator(table.GetColumn(k)));
+        if (!IsServed(columns.back())) {
+            return {};
+        }
+    }
+    return columns;
 }
 
 } // namespace
@@ -154,24 +167,21 @@ bool IsServed(const Cursor& column)
 std::optional<DataFrame> CompleteRows(const DataFrameRef& table, std::span<const NanSource> sources)
 {
     const std::uint32_t rowCount = table.RowCount();
-    if (rowCount < FEWEST_ROWS) {
+    const std::vector<Cursor> served = rowCount < FEWEST_ROWS ? std::vector<Cursor>() : ServedColumns(table);
+    if (served.empty()) {
         return std::nullopt;
     }
     Completeness completeness(sources);
     const std::uint32_t room = LikelyCount(completeness, rowCount);
-    std::deque<CompleteColumn> columns;
-    for (unsigned int k = 0; k < table.ColumnCount(); ++k) {
-        const Cursor source = table.GetSlicedIterator(table.GetColumn(k));
-        if (!IsServed(source)) {
-            return std::nullopt;
-        }
-        columns.emplace_back(source, static_cast<std::size_t>(CellSizeOf(source->GetAttr().typeId)), room);
+    std::vector<CompleteColumn> columns;
+    for (const Cursor& source : served) {
+        columns.emplace_back(source, room);
         if (columns.back().numbers == nullptr) {
             return std::nullopt;
         }
     }
     std::uint32_t found = 0;
-    for (std::uint32_t first = 0; first < rowCount; first += BLOCK) {
+    for (std::uint32_t first = 0; first < rowCount;) {
         const Func::RowChoice rows = completeness.Choose(first, std::min(BLOCK, rowCount - first));
         found += CountOf(rows);
         if (found > room) {
@@ -180,6 +190,7 @@ std::optional<DataFrame> CompleteRows(const DataFrameRef& table, std::span<const
         for (CompleteColumn& column : columns) {
             column.compression.Append(rows);
         }
+        first += rows.count;
     }
     if (found == 0) {
         return std::nullopt;

@@ -1,7 +1,6 @@
 #include "tessera/core/distinct_texts.h"
 
 #include <map>
-#include <random>
 #include <span>
 #include <string>
 #include <unordered_map>
@@ -9,24 +8,10 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/failing_allocation.h"
+#include "tests/support/random_texts.h"
 
 namespace MERVO::Tessera {
 namespace {
-
-/// Texts on both sides of the lengths from which a key holds other bytes, many of them twice, which differ little.
-std::vector<std::string> RandomTexts(std::uint32_t count)
-{
-    std::mt19937 random(5);
-    std::vector<std::string> texts;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        std::string text(random() % 24, '\0');
-        for (auto changes = random() % 3; changes != 0 && !text.empty(); --changes) {
-            text[random() % text.size()] = static_cast<char>(random() % 8);
-        }
-        texts.push_back(text);
-    }
-    return texts;
-}
 
 template <typename Text>
 std::vector<std::uint32_t> NumbersOf(DistinctTexts& distinct, const std::vector<Text>& texts)

@@ -1,7 +1,6 @@
 #include "tessera/core/key_numbers.h"
 
 #include <map>
-#include <random>
 #include <set>
 #include <string>
 
@@ -10,24 +9,10 @@
 #include "tessera/core/key_filter.h"
 #include "tessera/core/key_hash.h"
 #include "tests/support/failing_allocation.h"
+#include "tests/support/random_texts.h"
 
 namespace MERVO::Tessera {
 namespace {
-
-/// Texts of all short lengths, many of them twice, which differ in any of their bytes.
-std::vector<std::string> RandomTexts(std::uint32_t count)
-{
-    std::mt19937 random(5);
-    std::vector<std::string> texts;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        std::string text(random() % 20, 'a');
-        for (auto changes = random() % 3; changes != 0 && !text.empty(); --changes) {
-            text[random() % text.size()] = static_cast<char>(random());
-        }
-        texts.push_back(text);
-    }
-    return texts;
-}
 
 /// Numbers the texts in a table and in a map. `mask` cuts the hashes, so that they meet.
 void ExpectNumbersOfAMap(std::uint32_t mask, std::uint32_t expected)
