@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <bit>
 #include <cerrno>
+#include <cfenv>
 #include <cinttypes>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -36,6 +38,23 @@ std::optional<DateTime> ParsedMoment(const std::string& text)
     return DateTime(seconds == static_cast<std::int32_t>(seconds) ? static_cast<long>(seconds) : -1);
 }
 
+/// A number below the smallest normal one is out of range, even one that is rounded up to it: there the C libraries
+/// differ, Tessera does not.
+std::optional<double> ParsedNumber(const std::string& text)
+{
+    errno = 0;
+    const double value = std::strtod(text.c_str(), nullptr);
+    if (errno == ERANGE) {
+        return std::nullopt;
+    }
+    const int rounding = std::fegetround();
+    std::fesetround(FE_TOWARDZERO);
+    const double truncated = std::strtod(text.c_str(), nullptr);
+    std::fesetround(rounding);
+    constexpr double SMALLEST = std::numeric_limits<double>::min();
+    return std::abs(value) == SMALLEST && std::abs(truncated) < SMALLEST ? std::nullopt : std::optional(value);
+}
+
 /// What a text becomes; nothing where it is refused.
 template <typename T>
 std::optional<T> Parsed(const std::string& text)
@@ -49,7 +68,11 @@ std::optional<T> Parsed(const std::string& text)
     } else if constexpr (std::is_same_v<T, DateTime>) {
         return ParsedMoment(text);
     } else if constexpr (std::is_floating_point_v<T>) {
-        value = text.empty() ? std::numeric_limits<T>::quiet_NaN() : static_cast<T>(std::strtod(text.c_str(), nullptr));
+        if (text.empty()) {
+            return std::numeric_limits<T>::quiet_NaN();
+        }
+        const std::optional<double> number = ParsedNumber(text);
+        return number ? std::optional(static_cast<T>(*number)) : std::nullopt;
     } else if constexpr (std::is_signed_v<T>) {
         value = static_cast<T>(std::strtoll(text.c_str(), nullptr, 10));
     } else {

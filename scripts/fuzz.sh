@@ -3,12 +3,13 @@
 # input stays in build/fuzz/found; a target's program replays it when it is given the file.
 #   scripts/fuzz.sh [SECONDS [TARGET...]]   SECONDS for each target, 60 unless given; 0 only replays
 #   scripts/fuzz.sh --grow [TARGET...]      takes into fuzz/corpus what runs have found, as far as it adds coverage
+# FUZZ_SEED=N makes the same choices as an earlier run with it, so long as programs and inputs are the same.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 # How inputs and memory are bound. What the library itself may take is bound by the targets.
 # The entropic schedule takes more time than the targets do.
-limits=(-max_len=600 -timeout=30 -rss_limit_mb=1024 -entropic=0)
+limits=(-max_len=600 -timeout=30 -rss_limit_mb=1024 -entropic=0 -seed="${FUZZ_SEED:-0}") # 0: another one each time
 found=build/fuzz/found
 
 runTarget() { # SECONDS TARGET
