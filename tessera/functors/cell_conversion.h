@@ -14,6 +14,7 @@
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
 #include "tessera/core/error.h"
+#include "tessera/core/number_texts.h"
 #include "tessera/core/numeric_cast.h"
 #include "tessera/core/short_number.h"
 #include "tessera/functors/assign_text.h"
@@ -54,7 +55,7 @@ bool ParseNumber(std::string_view text, T& cell)
 }
 
 /// Writes a number's text, without a terminator: integers in decimal, float and double as "%.5e", true as 1 and false
-/// as nothing. `first` has NUMBER_TEXT_ROOM characters.
+/// as nothing. `first` has NUMBER_TEXT_ROOM characters, or SHORT_NUMBER_ROOM for 32 bits, float and double.
 /// @return one past the last character.
 template <Arithmetic T>
 char* WriteCell(char* first, T value) noexcept
@@ -69,6 +70,28 @@ char* WriteCell(char* first, T value) noexcept
     } else {
         using Word = std::conditional_t<std::is_signed_v<T>, std::int32_t, std::uint32_t>;
         return WriteInteger(first, static_cast<Word>(value));
+    }
+}
+
+/// Whether a number's text fits NumberText.
+template <typename T>
+inline constexpr bool IS_SHORT_NUMBER = std::is_floating_point_v<T> ||
+    (std::is_integral_v<T> && sizeof(T) <= sizeof(std::int32_t));
+
+/// Writes the texts of short numbers, each as WriteCell does.
+template <typename T, typename Place>
+requires IS_SHORT_NUMBER<T>
+void WriteNumberTexts(Place numbers, std::uint32_t count, NumberText* texts) noexcept
+{
+    if constexpr (std::is_floating_point_v<T>) {
+        WriteScientifics(numbers, count, texts);
+    } else if constexpr (std::is_same_v<T, std::int32_t> || std::is_same_v<T, std::uint32_t>) {
+        WriteIntegers(numbers, count, texts);
+    } else {
+        for (NumberText* text = texts; text != texts + count; ++text, ++numbers) {
+            char* const first = text->characters.data();
+            text->size = static_cast<std::uint8_t>(WriteCell<T>(first, *numbers) - first);
+        }
     }
 }
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <memory>
@@ -54,6 +55,12 @@ public:
         isHealthy = isHealthy && file.Write(text.data(), text.size());
         return at;
     }
+    char* Append(char* at, const NumberText& text)
+    {
+        at = MakeRoom(at, sizeof text);
+        std::memcpy(at, &text, sizeof text); // the rest is written over
+        return at + text.size;
+    }
     /// Puts a separator or a line end behind a cell. There is always room for one byte.
     char* AppendEnd(char* at, std::string_view end)
     {
@@ -84,30 +91,54 @@ private:
 // ---- Cells
 
 using AppendCell = char* (*)(TextSink& sink, char* at, const Cursor& cursor, std::uint32_t row);
+using WriteNumbers = void (*)(const Cursor& cursor, std::uint32_t row, std::uint32_t count, NumberText* texts);
+
+template <typename T>
+auto PlaceOf(const Cursor& cursor, std::uint32_t row)
+{
+    return CursorAs<CONTAINER_ARRAY, T>(cursor).mHead + static_cast<std::ptrdiff_t>(row);
+}
 
 template <typename T>
 char* AppendCellOf(TextSink& sink, char* at, const Cursor& cursor, std::uint32_t row)
 {
-    const auto place = CursorAs<CONTAINER_ARRAY, T>(cursor).mHead + static_cast<std::ptrdiff_t>(row);
-    if constexpr (std::is_same_v<T, bool>) {
-        return Func::WriteCell<bool>(sink.MakeRoom(at, NUMBER_TEXT_ROOM), *place);
-    } else if constexpr (std::is_same_v<T, std::string>) {
-        return sink.Append(at, *place);
+    if constexpr (std::is_same_v<T, std::string>) {
+        return sink.Append(at, *PlaceOf<T>(cursor, row));
     } else if constexpr (std::is_same_v<T, DateTime>) {
-        return sink.Append(at, place->ToString());
+        return sink.Append(at, PlaceOf<T>(cursor, row)->ToString());
     } else if constexpr (std::is_same_v<T, DataFrame>) {
         return at; // has no text; only a column without rows comes here
     } else {
-        return Func::WriteCell(sink.MakeRoom(at, NUMBER_TEXT_ROOM), *place);
+        return Func::WriteCell<T>(sink.MakeRoom(at, NUMBER_TEXT_ROOM), *PlaceOf<T>(cursor, row));
     }
+}
+
+template <typename T>
+void WriteNumbersOf(const Cursor& cursor, std::uint32_t row, std::uint32_t count, NumberText* texts)
+{
+    Func::WriteNumberTexts<T>(PlaceOf<T>(cursor, row), count, texts);
 }
 
 constexpr auto CELL_APPENDERS =
     ForEachValueType([](auto number) -> AppendCell { return &AppendCellOf<ValueTypes::At<number()>>; });
 
+/// Numbers whose texts are short are written by many, each column for itself; null for the others.
+constexpr auto NUMBER_WRITERS = ForEachValueType([](auto number) -> WriteNumbers {
+    using T = ValueTypes::At<number()>;
+    if constexpr (Func::IS_SHORT_NUMBER<T>) {
+        return &WriteNumbersOf<T>;
+    } else {
+        return nullptr;
+    }
+});
+
+constexpr std::uint32_t BLOCK_ROWS = 128; // whose texts fit the innermost cache
+
 struct WrittenColumn {
     Cursor cursor;
-    AppendCell append;
+    AppendCell append = nullptr;
+    WriteNumbers write = nullptr;
+    std::vector<NumberText> texts = {}; ///< those of a block of rows, if they are written by many
 };
 
 /// Opens the columns of a window. Returns 0, or 2 where a cast to strings would fail: for a failed table or one without
@@ -128,11 +159,12 @@ ErrorCode OpenColumns(const DataFrameRef& table, std::vector<WrittenColumn>& col
             LogError("cannot cast dataframe to other types except dataframe");
             return ERROR_BAD_KIND;
         }
-        columns.push_back(
-            {table.GetSlicedIterator(column), CELL_APPENDERS[static_cast<std::size_t>(column->GetTypeId())]});
+        const auto type = static_cast<std::size_t>(column->GetTypeId());
+        columns.push_back({table.GetSlicedIterator(column), CELL_APPENDERS[type], NUMBER_WRITERS[type]});
         if (columns.back().cursor == nullptr) {
             return ERROR_OUT_OF_MEMORY;
         }
+        columns.back().texts.resize(columns.back().write == nullptr ? 0 : BLOCK_ROWS);
     }
     return ERROR_NONE;
 }
@@ -146,14 +178,23 @@ char* AppendHeader(TextSink& sink, char* at, const std::vector<std::string>& nam
     return sink.Append(at, "\n");
 }
 
-char* AppendRow(
-    TextSink& sink, char* at, const std::vector<WrittenColumn>& columns, std::uint32_t row, std::string_view separator)
+char* AppendRows(TextSink& sink, char* at, std::vector<WrittenColumn>& columns, std::uint32_t first,
+    std::uint32_t count, std::string_view separator)
 {
-    for (std::size_t k = 0; k < columns.size(); ++k) {
-        at = k == 0 ? at : sink.AppendEnd(at, separator);
-        at = columns[k].append(sink, at, columns[k].cursor, row);
+    for (WrittenColumn& column : columns) {
+        if (column.write != nullptr) {
+            column.write(column.cursor, first, count, column.texts.data());
+        }
     }
-    return sink.AppendEnd(at, "\n");
+    for (std::uint32_t i = 0; i < count; ++i) {
+        for (std::size_t k = 0; k < columns.size(); ++k) {
+            at = k == 0 ? at : sink.AppendEnd(at, separator);
+            at = columns[k].write == nullptr ? columns[k].append(sink, at, columns[k].cursor, first + i)
+                                             : sink.Append(at, columns[k].texts[i]);
+        }
+        at = sink.AppendEnd(at, "\n");
+    }
+    return at;
 }
 
 // ---- Files
@@ -199,8 +240,11 @@ ErrorCode WriteTable(const DataFrameRef& table, std::string path, bool writeHead
     if (writeHeader) {
         at = AppendHeader(sink, at, names, separator);
     }
-    for (std::uint32_t row = 0; row < table.RowCount() && sink.IsHealthy(); ++row) {
-        at = AppendRow(sink, at, columns, row, separator);
+    const std::uint32_t rows = table.RowCount();
+    for (std::uint32_t row = 0; row < rows && sink.IsHealthy();) {
+        const std::uint32_t count = std::min(BLOCK_ROWS, rows - row);
+        at = AppendRows(sink, at, columns, row, count, separator);
+        row += count;
     }
     sink.Flush(at);
     return sink.IsHealthy() && file.Commit() ? ERROR_NONE : ERROR_BAD_KIND;
