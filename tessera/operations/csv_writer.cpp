@@ -16,23 +16,6 @@ namespace {
 
 // ---- Text on its way to a file
 
-/// Copies a text that is short more often than not; a call would take longer than that.
-char* CopyText(char* at, const char* text, std::size_t size)
-{
-    if (size >= 4 && size <= 16) { // two pieces that overlap
-        const std::size_t piece = size >= 8 ? 8 : 4;
-        std::array<char, 8> first;
-        std::array<char, 8> last;
-        std::memcpy(first.data(), text, piece);
-        std::memcpy(last.data(), text + size - piece, piece);
-        std::memcpy(at, first.data(), piece);
-        std::memcpy(at + size - piece, last.data(), piece);
-    } else {
-        std::memcpy(at, text, size);
-    }
-    return at + size;
-}
-
 /// Collects text in one large buffer. The place up to which it is filled travels with the caller.
 class TextSink {
 public:
@@ -50,12 +33,23 @@ public:
     {
         at = MakeRoom(at, text.size());
         if (text.size() <= SIZE) {
-            return CopyText(at, text.data(), text.size());
+            std::memcpy(at, text.data(), text.size());
+            return at + text.size();
         }
         isHealthy = isHealthy && file.Write(text.data(), text.size());
         return at;
     }
-    char* Append(char* at, const NumberText& text)
+    /// Most texts of cells are short; those are copied with what stands behind them, which takes no loop or call.
+    char* AppendCell(char* at, const std::string& text)
+    {
+        if (text.size() > Func::READ_AHEAD || text.capacity() < Func::READ_AHEAD) {
+            return Append(at, text);
+        }
+        at = MakeRoom(at, Func::READ_AHEAD);
+        std::memcpy(at, text.data(), Func::READ_AHEAD);
+        return at + text.size();
+    }
+    char* AppendCell(char* at, const NumberText& text)
     {
         at = MakeRoom(at, sizeof text);
         std::memcpy(at, &text, sizeof text); // the rest is written over
@@ -102,9 +96,7 @@ auto PlaceOf(const Cursor& cursor, std::uint32_t row)
 template <typename T>
 char* AppendCellOf(TextSink& sink, char* at, const Cursor& cursor, std::uint32_t row)
 {
-    if constexpr (std::is_same_v<T, std::string>) {
-        return sink.Append(at, *PlaceOf<T>(cursor, row));
-    } else if constexpr (std::is_same_v<T, DateTime>) {
+    if constexpr (std::is_same_v<T, DateTime>) {
         return sink.Append(at, PlaceOf<T>(cursor, row)->ToString());
     } else if constexpr (std::is_same_v<T, DataFrame>) {
         return at; // has no text; only a column without rows comes here
@@ -119,9 +111,6 @@ void WriteNumbersOf(const Cursor& cursor, std::uint32_t row, std::uint32_t count
     Func::WriteNumberTexts<T>(PlaceOf<T>(cursor, row), count, texts);
 }
 
-constexpr auto CELL_APPENDERS =
-    ForEachValueType([](auto number) -> AppendCell { return &AppendCellOf<ValueTypes::At<number()>>; });
-
 /// Numbers whose texts are short are written by many, each column for itself; null for the others.
 constexpr auto NUMBER_WRITERS = ForEachValueType([](auto number) -> WriteNumbers {
     using T = ValueTypes::At<number()>;
@@ -132,13 +121,33 @@ constexpr auto NUMBER_WRITERS = ForEachValueType([](auto number) -> WriteNumbers
     }
 });
 
+/// What is neither a short number nor a string is written cell by cell; null for those.
+constexpr auto CELL_APPENDERS = ForEachValueType([](auto number) -> AppendCell {
+    using T = ValueTypes::At<number()>;
+    if constexpr (Func::IS_SHORT_NUMBER<T> || std::is_same_v<T, std::string>) {
+        return nullptr;
+    } else {
+        return &AppendCellOf<T>;
+    }
+});
+
 constexpr std::uint32_t BLOCK_ROWS = 128; // whose texts fit the innermost cache
 
+/// A column in one of three forms: numbers with room for a block of texts, strings, or cells with a function.
 struct WrittenColumn {
+    WrittenColumn(Cursor opened, MERVO_TESSERA_TYPEID typeId)
+        : cursor(std::move(opened)), write(NUMBER_WRITERS[static_cast<std::size_t>(typeId)]),
+          texts(write == nullptr ? 0 : BLOCK_ROWS),
+          strings(typeId == TESSERA_STRING ? PlaceOf<std::string>(cursor, 0) : nullptr),
+          append(CELL_APPENDERS[static_cast<std::size_t>(typeId)])
+    {
+    }
+
     Cursor cursor;
-    AppendCell append = nullptr;
-    WriteNumbers write = nullptr;
-    std::vector<NumberText> texts = {}; ///< those of a block of rows, if they are written by many
+    WriteNumbers write;
+    std::vector<NumberText> texts;
+    const std::string* strings;
+    AppendCell append;
 };
 
 /// Opens the columns of a window. Returns 0, or 2 where a cast to strings would fail: for a failed table or one without
@@ -159,12 +168,11 @@ ErrorCode OpenColumns(const DataFrameRef& table, std::vector<WrittenColumn>& col
             LogError("cannot cast dataframe to other types except dataframe");
             return ERROR_BAD_KIND;
         }
-        const auto type = static_cast<std::size_t>(column->GetTypeId());
-        columns.push_back({table.GetSlicedIterator(column), CELL_APPENDERS[type], NUMBER_WRITERS[type]});
-        if (columns.back().cursor == nullptr) {
+        Cursor cursor = table.GetSlicedIterator(column);
+        if (cursor == nullptr) {
             return ERROR_OUT_OF_MEMORY;
         }
-        columns.back().texts.resize(columns.back().write == nullptr ? 0 : BLOCK_ROWS);
+        columns.emplace_back(std::move(cursor), column->GetTypeId());
     }
     return ERROR_NONE;
 }
@@ -188,9 +196,15 @@ char* AppendRows(TextSink& sink, char* at, std::vector<WrittenColumn>& columns, 
     }
     for (std::uint32_t i = 0; i < count; ++i) {
         for (std::size_t k = 0; k < columns.size(); ++k) {
+            const WrittenColumn& column = columns[k];
             at = k == 0 ? at : sink.AppendEnd(at, separator);
-            at = columns[k].write == nullptr ? columns[k].append(sink, at, columns[k].cursor, first + i)
-                                             : sink.Append(at, columns[k].texts[i]);
+            if (column.write != nullptr) {
+                at = sink.AppendCell(at, column.texts[i]);
+            } else if (column.strings != nullptr) {
+                at = sink.AppendCell(at, column.strings[first + i]);
+            } else {
+                at = column.append(sink, at, column.cursor, first + i);
+            }
         }
         at = sink.AppendEnd(at, "\n");
     }
