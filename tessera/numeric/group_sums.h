@@ -23,6 +23,15 @@ void ForEachInGroups(const Cursor& column, const RowGroups& groups, Visit visit)
 {
     constexpr std::uint32_t BLOCK = 2048;
     const std::uint32_t* group = groups.groupOfRow;
+    if constexpr (std::is_same_v<Real, double>) {
+        if (column->GetAttr().typeId == TESSERA_INT32) { // the most frequent ones, without a detour
+            const auto& cells = CursorAs<CONTAINER_ARRAY, std::int32_t>(column);
+            for (const std::int32_t* cell = cells.mHead; cell != cells.mTail; ++cell) {
+                visit(static_cast<Real>(*cell), *group++);
+            }
+            return;
+        }
+    }
     RealRuns<Real> runs(column);
     for (auto run = runs.Next(BLOCK); !run.empty(); run = runs.Next(BLOCK)) {
         for (const Real value : run) {
