@@ -12,38 +12,43 @@
 
 namespace MERVO::Tessera {
 
-#ifdef TESSERA_WIDE_VECTOR_BYTES
 namespace {
 
+#ifdef TESSERA_WIDE_VECTOR_BYTES
 constexpr std::size_t FOUR = TESSERA_WIDE_VECTOR_BYTES / DIGIT_CHUNK;
 constexpr std::size_t DECIMAL_CHARACTERS = 15;
 
+/// Whether so many characters can be read from a text's begin on.
+bool CanRead(const std::string& text, std::size_t count) { return text.capacity() >= count; }
+bool CanRead(std::string_view, std::size_t count) { return count <= SHORT_NUMBER_GUARD; }
+
 /// The first eight characters of a text, whatever stands behind its own ones.
-std::int64_t ReadChunk(const std::string& text)
+std::int64_t ReadChunk(std::string_view text)
 {
     std::int64_t characters = 0;
     std::memcpy(&characters, text.data(), sizeof characters);
     return characters;
 }
 
-std::int64_t SizeOf(const std::string& text) { return static_cast<std::int64_t>(text.size()); }
+std::int64_t SizeOf(std::string_view text) { return static_cast<std::int64_t>(text.size()); }
 
-/// Whether four texts have 1 to 8 characters and room for 8.
-bool AreShort(const std::string* texts)
+/// Whether four texts have 1 to 8 characters, and 8 can be read.
+template <typename Text>
+bool AreShort(const Text* texts)
 {
     std::size_t sizes = 0;
-    bool haveRoom = true;
+    bool areReadable = true;
     for (std::size_t i = 0; i < FOUR; ++i) {
         sizes |= texts[i].size() - 1;
-        haveRoom = haveRoom && texts[i].capacity() >= DIGIT_CHUNK;
+        areReadable = areReadable && CanRead(texts[i], DIGIT_CHUNK);
     }
-    return haveRoom && sizes < DIGIT_CHUNK;
+    return areReadable && sizes < DIGIT_CHUNK;
 }
 
 /// Joins the digits of each text as JoinDigits does. False, and nothing is written, if there is any other character but
-/// a
-/// '-' in front.
-TESSERA_WIDE_VECTORS bool ParseFour(const std::string* texts, std::int32_t* values)
+/// a '-' in front.
+template <typename Text>
+TESSERA_WIDE_VECTORS bool ParseFour(const Text* texts, std::int32_t* values)
 {
     const __m256i characters =
         _mm256_set_epi64x(ReadChunk(texts[3]), ReadChunk(texts[2]), ReadChunk(texts[1]), ReadChunk(texts[0]));
@@ -79,10 +84,11 @@ struct Decimal {
 
 /// Takes a number with 1 to 7 digits before the point and 1 to 8 behind it apart. All characters are moved at once to
 /// where eight digits before and eight behind the point would stand.
-TESSERA_WIDE_VECTORS [[gnu::always_inline]] inline Decimal TakeApart(const std::string& text)
+template <typename Text>
+TESSERA_WIDE_VECTORS [[gnu::always_inline]] inline Decimal TakeApart(const Text& text)
 {
     const std::size_t size = text.size();
-    if (size > DECIMAL_CHARACTERS || text.capacity() < DECIMAL_CHARACTERS) {
+    if (size > DECIMAL_CHARACTERS || !CanRead(text, DECIMAL_CHARACTERS)) {
         return {_mm_setzero_si128(), false, false};
     }
     const __m128i places = _mm_setr_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
@@ -90,7 +96,7 @@ TESSERA_WIDE_VECTORS [[gnu::always_inline]] inline Decimal TakeApart(const std::
     const __m128i isOwn = _mm_cmpgt_epi8(_mm_set1_epi8(static_cast<char>(size)), places);
     const __m128i isPoint = _mm_and_si128(_mm_cmpeq_epi8(characters, _mm_set1_epi8('.')), isOwn);
     const auto points = static_cast<unsigned int>(_mm_movemask_epi8(isPoint));
-    const bool isNegative = *text.data() == '-'; // also of an empty text
+    const bool isNegative = *text.data() == '-'; // of an empty text, too
     const std::size_t point = static_cast<std::size_t>(std::countr_zero(points | 1U << DECIMAL_CHARACTERS));
 
     const __m128i isSign = _mm_cmpgt_epi8(_mm_set1_epi8(isNegative ? 1 : 0), places);
@@ -111,7 +117,8 @@ TESSERA_WIDE_VECTORS [[gnu::always_inline]] inline Decimal TakeApart(const std::
 
 /// The numbers that parts of numbers make: digits without the point are an exact number, which is divided once. False,
 /// and nothing is written, if one of them is no short decimal.
-TESSERA_WIDE_VECTORS bool ParseFour(const std::string* texts, double* values)
+template <typename Text>
+TESSERA_WIDE_VECTORS bool ParseFour(const Text* texts, double* values)
 {
     const Decimal a = TakeApart(texts[0]);
     const Decimal b = TakeApart(texts[1]);
@@ -131,7 +138,8 @@ TESSERA_WIDE_VECTORS bool ParseFour(const std::string* texts, double* values)
     return true;
 }
 
-TESSERA_WIDE_VECTORS std::size_t ParseFours(const std::string* texts, std::size_t count, double* values)
+template <typename Text>
+TESSERA_WIDE_VECTORS std::size_t ParseFours(const Text* texts, std::size_t count, double* values)
 {
     std::size_t parsed = 0;
     while (count - parsed >= FOUR && ParseFour(texts + parsed, values + parsed)) {
@@ -140,7 +148,8 @@ TESSERA_WIDE_VECTORS std::size_t ParseFours(const std::string* texts, std::size_
     return parsed;
 }
 
-TESSERA_WIDE_VECTORS std::size_t ParseFours(const std::string* texts, std::size_t count, std::int32_t* values)
+template <typename Text>
+TESSERA_WIDE_VECTORS std::size_t ParseFours(const Text* texts, std::size_t count, std::int32_t* values)
 {
     std::size_t parsed = 0;
     while (count - parsed >= FOUR && AreShort(texts + parsed) && ParseFour(texts + parsed, values + parsed)) {
@@ -149,20 +158,39 @@ TESSERA_WIDE_VECTORS std::size_t ParseFours(const std::string* texts, std::size_
     return parsed;
 }
 
-} // namespace
-
-std::size_t ParseShortIntegers(const std::string* texts, std::size_t count, std::int32_t* values)
-{
-    return HasWideVectors() ? ParseFours(texts, count, values) : 0;
-}
-
-std::size_t ParseShortDecimals(const std::string* texts, std::size_t count, double* values)
+template <typename Text, typename T>
+std::size_t ParseMany(const Text* texts, std::size_t count, T* values)
 {
     return HasWideVectors() ? ParseFours(texts, count, values) : 0;
 }
 #else
-std::size_t ParseShortDecimals(const std::string*, std::size_t, double*) { return 0; }
-std::size_t ParseShortIntegers(const std::string*, std::size_t, std::int32_t*) { return 0; }
+template <typename Text, typename T>
+std::size_t ParseMany(const Text*, std::size_t, T*)
+{
+    return 0;
+}
 #endif
+
+} // namespace
+
+std::size_t ParseShortIntegers(const std::string* texts, std::size_t count, std::int32_t* values)
+{
+    return ParseMany(texts, count, values);
+}
+
+std::size_t ParseShortIntegers(const std::string_view* texts, std::size_t count, std::int32_t* values)
+{
+    return ParseMany(texts, count, values);
+}
+
+std::size_t ParseShortDecimals(const std::string* texts, std::size_t count, double* values)
+{
+    return ParseMany(texts, count, values);
+}
+
+std::size_t ParseShortDecimals(const std::string_view* texts, std::size_t count, double* values)
+{
+    return ParseMany(texts, count, values);
+}
 
 } // namespace MERVO::Tessera

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace MERVO::Tessera {
 
@@ -13,5 +14,10 @@ namespace MERVO::Tessera {
 std::size_t ParseShortIntegers(const std::string* texts, std::size_t count, std::int32_t* values);
 /// The same as ParseShortDecimal does, but of texts of up to 15 characters.
 std::size_t ParseShortDecimals(const std::string* texts, std::size_t count, double* values);
+
+/// From the begin of a text that these get, so many bytes can be read, however long it is.
+inline constexpr std::size_t SHORT_NUMBER_GUARD = 16;
+std::size_t ParseShortIntegers(const std::string_view* texts, std::size_t count, std::int32_t* values);
+std::size_t ParseShortDecimals(const std::string_view* texts, std::size_t count, double* values);
 
 } // namespace MERVO::Tessera

@@ -1,5 +1,7 @@
 #include "tessera/operations/csv_columns.h"
 
+#include <algorithm>
+#include <array>
 #include <limits>
 #include <memory>
 #include <string>
@@ -7,6 +9,7 @@
 
 #include "tessera/core/memory_room.h"
 #include "tessera/core/short_number.h"
+#include "tessera/core/short_numbers.h"
 #include "tessera/functors/assign_text.h"
 #include "tessera/functors/cell_conversion.h"
 
@@ -50,16 +53,46 @@ bool FillCell(std::string_view text, T& cell)
     return Func::FromText(text, cell) == ERROR_NONE;
 }
 
+/// Parses as many fields at once as can be, from a row on; returns how many.
+template <typename T>
+std::size_t FillMany(const FieldColumn& fields, std::size_t row, std::size_t count, T* cells)
+{
+    static_assert(SHORT_NUMBER_GUARD <= FieldColumn::FIELD_GUARD);
+    std::array<std::string_view, 32> texts;
+    const std::size_t taken = std::min(texts.size(), count);
+    for (std::size_t i = 0; i < taken; ++i) {
+        texts[i] = fields[row + i];
+    }
+    if constexpr (std::is_same_v<T, double>) {
+        return ParseShortDecimals(texts.data(), taken, cells);
+    } else {
+        return ParseShortIntegers(texts.data(), taken, cells);
+    }
+}
+
+template <typename T>
+inline constexpr bool IS_FILLED_BY_MANY = std::is_same_v<T, double> || std::is_same_v<T, std::int32_t>;
+
 template <typename T>
 std::size_t FillCellsOf(const Cursor& cursor, std::size_t first, const FieldColumn& fields, std::size_t count)
 {
-    auto place = CursorAs<CONTAINER_ARRAY, T>(cursor).mHead + static_cast<std::ptrdiff_t>(first);
+    const auto place = CursorAs<CONTAINER_ARRAY, T>(cursor).mHead + static_cast<std::ptrdiff_t>(first);
     const FieldColumn column = fields; // in registers
-    for (std::size_t row = 0; row < count; ++row, ++place) {
-        if constexpr (std::is_same_v<T, bool>) {
-            *place = !column[row].empty();
-        } else if (!FillCell(column[row], *place)) {
-            return row;
+    std::size_t single = 1;            // cells between trials to fill many, twice as many after each that failed
+    for (std::size_t row = 0; row < count;) {
+        if constexpr (IS_FILLED_BY_MANY<T>) {
+            const std::size_t filled = FillMany(column, row, count - row, &place[row]);
+            single = filled == 0 ? 2 * single : 1;
+            row += filled;
+        } else {
+            single = count;
+        }
+        for (const std::size_t end = row + std::min(single, count - row); row < end; ++row) {
+            if constexpr (std::is_same_v<T, bool>) {
+                *(place + static_cast<std::ptrdiff_t>(row)) = !column[row].empty();
+            } else if (!FillCell(column[row], place[row])) {
+                return row;
+            }
         }
     }
     return count;
