@@ -1,5 +1,6 @@
 #include "tessera/core/cell_text.h"
 
+#include <array>
 #include <bit>
 #include <cerrno>
 #include <clocale>
@@ -13,6 +14,8 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+
+#include "tessera/core/number_texts.h"
 
 // The C library is the oracle throughout: it is what the results are defined by.
 namespace MERVO::Tessera {
@@ -46,9 +49,25 @@ std::string Written(Writer write, T value)
 
 std::string WrittenScientific(double value) { return Written(WriteScientific, value); }
 
+std::string TextOf(const NumberText& text) { return std::string(text.characters.data(), text.size); }
+
+/// Alone, and at each place among several, whose own texts stay right.
 void ExpectScientificAsPrintf(double value)
 {
-    ASSERT_EQ(WrittenScientific(value), Format("%.5e", value)) << Format("%a", value);
+    const std::string expected = Format("%.5e", value);
+    ASSERT_EQ(WrittenScientific(value), expected) << Format("%a", value);
+    for (std::size_t place = 0; place < 5; ++place) {
+        std::array<double, 5> values = {-1.0, 99999.95, 0.0, 1e-99, -6.02214e23};
+        std::array<std::string, 5> texts = {
+            "-1.00000e+00", "9.99999e+04", "0.00000e+00", "1.00000e-99", "-6.02214e+23"};
+        values[place] = value;
+        texts[place] = expected;
+        std::array<NumberText, 5> written;
+        WriteScientifics(values.data(), values.size(), written.data());
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            ASSERT_EQ(TextOf(written[i]), texts[i]) << Format("%a", value) << " at " << place;
+        }
+    }
 }
 
 // ---- Writing
@@ -79,6 +98,27 @@ TYPED_TEST(WriteIntegerTest, EveryLengthAndBothEnds)
     const auto write = [](char* first, TypeParam value) { return WriteInteger(first, value); };
     for (const TypeParam value : values) {
         ASSERT_EQ(Written(write, value), std::to_string(value));
+    }
+    if constexpr (sizeof(TypeParam) == sizeof(std::int32_t)) {
+        std::vector<NumberText> texts(values.size());
+        WriteIntegers(values.data(), values.size(), texts.data());
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            ASSERT_EQ(TextOf(texts[i]), std::to_string(values[i])) << "at " << i;
+        }
+    }
+}
+
+TEST(WriteScientific, Floats)
+{
+    Random random(4);
+    std::vector<float> values;
+    for (int i = 0; i < ROUNDS; ++i) {
+        values.push_back(std::bit_cast<float>(static_cast<std::uint32_t>(random())));
+    }
+    std::vector<NumberText> texts(values.size());
+    WriteScientifics(values.data(), values.size(), texts.data());
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        ASSERT_EQ(TextOf(texts[i]), Format("%.5e", static_cast<double>(values[i]))) << "at " << i;
     }
 }
 

@@ -90,7 +90,8 @@ TEST(CsvLargerThanTheBuffer, IsTheJoinedCast)
     texts[20000] = std::string(BUFFER, 'B');
     texts[20002] = std::string(BUFFER - 3, 'C');
     texts[20003] = std::string(3 * BUFFER + 1, 'D');
-    const DataFrame table = TableOf(Column("n", SampleValues<std::int64_t>(40000)), Column("s", texts));
+    const DataFrame table = TableOf(Column("n", SampleValues<std::int64_t>(40000)), Column("s", texts),
+        Column("i", SampleValues<std::int32_t>(40000)), Column("d", SampleValues<double>(40000)));
     for (const std::string& separator : {std::string(","), std::string(BUFFER + 1, '=')}) {
         const DataFrameRef window = separator.size() == 1 ? table[table.RowCount() + 0xFFFFFFFFU - table.RowCount()]
                                                           : table.Slice(0U, {20000, 20004});
