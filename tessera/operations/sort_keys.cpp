@@ -118,22 +118,7 @@ public:
     }
     std::pair<std::uint64_t, std::uint64_t> BoundsOf(std::uint32_t count) const override
     {
-        if constexpr (std::is_integral_v<T> && !std::is_same_v<T, bool>) {
-            T lowest = std::numeric_limits<T>::max(); // narrow cells are compared many at a time
-            T highest = std::numeric_limits<T>::min();
-            for (std::uint32_t i = 0; i < count; ++i) {
-                lowest = std::min(lowest, *elements.PlaceOf(i));
-                highest = std::max(highest, *elements.PlaceOf(i));
-            }
-            return {KeyOf(lowest), KeyOf(highest)};
-        } else {
-            std::pair<std::uint64_t, std::uint64_t> bounds{NAN_KEY, 0};
-            for (std::uint32_t i = 0; i < count; ++i) {
-                const std::uint64_t key = KeyAt(elements.PlaceOf(i));
-                bounds = {std::min(bounds.first, key), std::max(bounds.second, key)};
-            }
-            return bounds;
-        }
+        return HasWideVectors() ? BoundsWide(elements, count) : BoundsOfEach(elements, count);
     }
     std::size_t SharedBytes(Positions, std::size_t) const override { return 0; }
     void MarkChanges(Positions positions, std::uint8_t* flags) const override
@@ -142,6 +127,8 @@ public:
     }
 
 private:
+    using Bounds = std::pair<std::uint64_t, std::uint64_t>;
+
     [[gnu::always_inline]] static void ReadEach(
         const Elements& elements, std::uint32_t first, std::uint32_t count, std::uint64_t lowest, std::uint64_t* keys)
     {
@@ -154,6 +141,31 @@ private:
         const Elements& elements, std::uint32_t first, std::uint32_t count, std::uint64_t lowest, std::uint64_t* keys)
     {
         ReadEach(elements, first, count, lowest, keys);
+    }
+
+    [[gnu::always_inline]] static Bounds BoundsOfEach(const Elements& elements, std::uint32_t count)
+    {
+        const Elements own = elements;
+        if constexpr (std::is_integral_v<T> && !std::is_same_v<T, bool>) {
+            T lowest = std::numeric_limits<T>::max(); // narrow cells are compared many at a time
+            T highest = std::numeric_limits<T>::min();
+            for (std::uint32_t i = 0; i < count; ++i) {
+                lowest = std::min(lowest, *own.PlaceOf(i));
+                highest = std::max(highest, *own.PlaceOf(i));
+            }
+            return {KeyOf(lowest), KeyOf(highest)};
+        } else {
+            Bounds bounds{NAN_KEY, 0};
+            for (std::uint32_t i = 0; i < count; ++i) {
+                const std::uint64_t key = KeyAt(own.PlaceOf(i));
+                bounds = {std::min(bounds.first, key), std::max(bounds.second, key)};
+            }
+            return bounds;
+        }
+    }
+    TESSERA_WIDE_VECTORS static Bounds BoundsWide(const Elements& elements, std::uint32_t count)
+    {
+        return BoundsOfEach(elements, count);
     }
 
     template <typename Place>
