@@ -82,8 +82,8 @@ public:
         : source(column), run(wanted), isInPlace(mayLookBack && source.IsInPlace()), before(wanted.param.window - 1),
           length(column->Length()), left(length)
     {
-        const std::uint32_t least = std::max(run.blockRows, run.param.window);
-        blockRows = std::min(least, left);
+        const std::uint64_t multiple = (std::uint64_t{before} + run.blockRows) / run.blockRows;
+        blockRows = static_cast<std::uint32_t>(std::min<std::uint64_t>(multiple * run.blockRows, left));
         const std::uint64_t buffered = std::uint64_t{before} + blockRows;
         values = MakeZeros<Real>(buffered + WINDOW_SLACK);
         isMissing = MakeZeros<bool>(buffered);

@@ -9,9 +9,9 @@ namespace MERVO::Tessera::Func {
 struct RollingRun {
     RollingParam param;
     bool isMean;
-    const char* refusal;            ///< what goes to the log when there is no memory
-    std::uint32_t blockRows = 2048; ///< fewest results that are made at a time
-    std::uint32_t slideFrom = 64;   ///< narrowest window, at least 2, for which a running total may be worth a look
+    const char* refusal;           ///< what goes to the log when there is no memory
+    std::uint32_t blockRows = 512; ///< results made at a time, or a multiple for wide windows: all in the first cache
+    std::uint32_t slideFrom = 64;  ///< narrowest window, at least 2, for which a running total may be worth a look
 };
 
 /// Runs over a column of numbers or bools whose sums are Reals. Returns 1 if dst holds no Reals, 21 without memory.
