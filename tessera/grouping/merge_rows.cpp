@@ -8,6 +8,7 @@
 #include "tessera/core/data_frame.h"
 #include "tessera/core/memory_room.h"
 #include "tessera/functors/missing_cell.h"
+#include "tessera/grouping/row_pairs.h"
 #include "tessera/operations/sort_keys.h"
 #include "tessera/operations/stable_order.h"
 
@@ -18,8 +19,9 @@ using Rows = std::vector<std::uint32_t>;
 
 constexpr std::uint64_t MOST_ROWS = std::numeric_limits<std::uint32_t>::max();
 
-bool KeepsLeft(MERVO_TESSERA_MERGE_JOINTYPE type) { return type == TESSERA_JOIN_LEFT || type == TESSERA_JOIN_OUTER; }
-bool KeepsRight(MERVO_TESSERA_MERGE_JOINTYPE type) { return type == TESSERA_JOIN_RIGHT || type == TESSERA_JOIN_OUTER; }
+/// Up to so many times as many numbers as rows, putting rows down by their keys' numbers is faster than sorting them,
+/// and takes no more memory.
+constexpr std::uint64_t NUMBERS_PER_ROW = 2;
 
 /// The rows of a column. All else has been checked, so that only memory can be wanting.
 Cursor RowsOf(const DataFrame& table, std::uint32_t key)
@@ -29,6 +31,18 @@ Cursor RowsOf(const DataFrame& table, std::uint32_t key)
         throw std::bad_alloc();
     }
     return cursor;
+}
+
+/// Gives both lists of rows so many elements; false, with a message, where so many rows of the result have no room.
+bool MakeRoomFor(std::uint64_t length, std::uint64_t cellBytes, Rows& leftRows, Rows& rightRows)
+{
+    if (length > MOST_ROWS || !HasRoomFor(length, 2 * sizeof(std::uint32_t) + cellBytes)) {
+        LogError("Can't build a merged table of %llu rows", static_cast<unsigned long long>(length));
+        return false;
+    }
+    leftRows.resize(static_cast<std::size_t>(length));
+    rightRows.resize(static_cast<std::size_t>(length));
+    return true;
 }
 
 } // namespace
@@ -134,6 +148,25 @@ Error DataFrame::PairMergeRows(const DataFrame& right, const MergeRows& leftOn, 
         LogError("Can't merge tables of %llu rows", static_cast<unsigned long long>(count));
         return {ERROR_OUT_OF_MEMORY, "too many rows for Merge"};
     }
+    const std::uint64_t cellBytes = RowSizeOf(*series) + RowSizeOf(*right.series);
+    if (leftOn.size() == 1) {
+        const Cursor leftKeys = RowsOf(*this, leftOn.front());
+        const Cursor rightKeys = RowsOf(right, rightOn.front());
+        const auto keys =
+            DenseKeysOf(leftKeys, rightKeys, static_cast<std::uint32_t>(std::min(NUMBERS_PER_ROW * count, MOST_ROWS)));
+        if (keys != nullptr) {
+            const KeyedRows left(*keys, DenseKeys::LEFT, RowCount());
+            const KeyedRows rightK(*keys, DenseKeys::RIGHT, right.RowCount());
+            if (left.HasRoom() && rightK.HasRoom()) {
+                const RowPairs pairs(left, rightK, keys->Bound(), type);
+                if (!MakeRoomFor(pairs.Count(), cellBytes, leftRows, rightRows)) {
+                    return {ERROR_OUT_OF_MEMORY, "too many rows for Merge"};
+                }
+                pairs.Write(leftRows, rightRows);
+                return {};
+            }
+        }
+    }
     std::vector<MergeIndex> merge;
     MergeRows index;
     {
@@ -142,14 +175,9 @@ Error DataFrame::PairMergeRows(const DataFrame& right, const MergeRows& leftOn, 
         index = SortAndGetKey(right, leftOn, rightOn, flags);
         CalculateMergeIndex(flags, index, merge);
     }
-    const std::uint64_t length = GetMergedSeriesLength(merge, type);
-    const std::uint64_t rowBytes = 2 * sizeof(std::uint32_t) + RowSizeOf(*series) + RowSizeOf(*right.series);
-    if (length > MOST_ROWS || !HasRoomFor(length, rowBytes)) {
-        LogError("Can't build a merged table of %llu rows", static_cast<unsigned long long>(length));
+    if (!MakeRoomFor(GetMergedSeriesLength(merge, type), cellBytes, leftRows, rightRows)) {
         return {ERROR_OUT_OF_MEMORY, "too many rows for Merge"};
     }
-    leftRows.resize(static_cast<std::size_t>(length));
-    rightRows.resize(static_cast<std::size_t>(length));
     GetLeftRightMergeIndex(merge, index, type, leftRows, rightRows);
     return {};
 }

@@ -1,0 +1,121 @@
+#include "tessera/grouping/text_digits.h"
+
+#include <bit>
+#include <cstring>
+
+namespace MERVO::Tessera {
+namespace {
+
+std::size_t WordFor(std::size_t size)
+{
+    const std::size_t width = size >= sizeof(std::uint64_t) ? sizeof(std::uint64_t) : sizeof(std::uint32_t);
+    return size < width || size > 2 * width ? 0 : width;
+}
+
+template <typename Word>
+std::uint64_t LoadWord(const char* bytes)
+{
+    static_assert(std::endian::native == std::endian::little);
+    Word word = 0;
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
+}
+
+} // namespace
+
+TextDigits::TextDigits(std::size_t textSize)
+    : size(textSize), width(WordFor(textSize)), lowest{~Bytes{}, ~Bytes{}}, highest{Bytes{}, Bytes{}}
+{
+}
+
+template <typename Word>
+void TextDigits::MeetWords(std::span<const std::string> texts)
+{
+    Ends low = lowest;
+    Ends high = highest;
+    for (const std::string& text : texts) {
+        if (text.size() != size) {
+            width = 0;
+            return;
+        }
+        const auto first = std::bit_cast<Bytes>(LoadWord<Word>(text.data()));
+        const auto last = std::bit_cast<Bytes>(LoadWord<Word>(text.data() + size - sizeof(Word)));
+        low = {first < low.first ? first : low.first, last < low.last ? last : low.last};
+        high = {first > high.first ? first : high.first, last > high.last ? last : high.last};
+    }
+    lowest = low;
+    highest = high;
+}
+
+void TextDigits::Meet(std::span<const std::string> texts)
+{
+    if (width != 0) {
+        width == WORD ? MeetWords<std::uint64_t>(texts) : MeetWords<std::uint32_t>(texts);
+    }
+}
+
+/// Calls visit(isOfLast, byte, lowest, highest) for each byte from the last one, which counts least, to the first one.
+/// What both words have is left out of the last one.
+template <typename Visit>
+void TextDigits::ForEachByte(Visit visit) const
+{
+    for (std::size_t i = width; i-- != 2 * width - size;) {
+        visit(true, i, lowest.last[i], highest.last[i]);
+    }
+    for (std::size_t i = width; i-- != 0;) {
+        visit(false, i, lowest.first[i], highest.first[i]);
+    }
+}
+
+std::uint64_t TextDigits::Bound() const
+{
+    std::uint64_t bound = width == 0 ? TOO_MANY : 1;
+    if (width != 0) {
+        ForEachByte([&bound](bool, std::size_t, std::uint8_t low, std::uint8_t high) {
+            bound = bound >> 32 != 0 ? TOO_MANY : bound * (high - low + 1U);
+        });
+    }
+    return bound >> 32 != 0 ? TOO_MANY : bound;
+}
+
+void TextDigits::Settle()
+{
+    std::uint32_t weight = 1;
+    ForEachByte([this, &weight](bool isOfLast, std::size_t i, std::uint8_t low, std::uint8_t high) {
+        if (low != high) {
+            base += low * weight;
+            digits[digitCount++] = {isOfLast, static_cast<std::uint8_t>(8 * i), weight};
+            weight *= high - low + 1U;
+        }
+    });
+}
+
+template <typename Word>
+void TextDigits::ReadWords(std::span<const std::string> texts, std::uint64_t* numbers) const
+{
+    std::array<std::array<std::uint64_t, MOST>, 2> words;
+    std::array<std::uint32_t, MOST> sums;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        const char* const bytes = texts[i].data();
+        words[0][i] = LoadWord<Word>(bytes);
+        words[1][i] = LoadWord<Word>(bytes + size - sizeof(Word));
+        sums[i] = 0U - base;
+    }
+    for (std::size_t k = 0; k < digitCount; ++k) {
+        const Digit digit = digits[k];
+        const std::uint64_t* const from = words[digit.isOfLast ? 1 : 0].data();
+        for (std::size_t i = 0; i < texts.size(); ++i) {
+            sums[i] += static_cast<std::uint32_t>(from[i] >> digit.shift & 0xFF) * digit.weight;
+        }
+    }
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        numbers[i] = sums[i];
+    }
+}
+
+void TextDigits::Read(std::span<const std::string> texts, std::uint64_t* numbers) const
+{
+    width == WORD ? ReadWords<std::uint64_t>(texts, numbers) : ReadWords<std::uint32_t>(texts, numbers);
+}
+
+} // namespace MERVO::Tessera
