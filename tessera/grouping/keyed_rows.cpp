@@ -7,7 +7,7 @@
 namespace MERVO::Tessera {
 namespace {
 
-/// Calls visit(row, key) for each row, and asks for the memory of keys ahead of them. Ends where done() says so.
+/// Calls visit(row, key) for each row, block by block, until isDone().
 template <typename Visit, typename IsDone>
 void ForEachKey(const DenseKeys& keys, DenseKeys::Side side, std::uint32_t rowCount, Visit visit, IsDone isDone)
 {

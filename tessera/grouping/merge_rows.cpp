@@ -3,6 +3,7 @@
 #include <memory>
 #include <new>
 #include <numeric>
+#include <optional>
 #include <utility>
 
 #include "tessera/core/data_frame.h"
@@ -23,6 +24,8 @@ constexpr std::uint64_t MOST_ROWS = std::numeric_limits<std::uint32_t>::max();
 /// and takes no more memory.
 constexpr std::uint64_t NUMBERS_PER_ROW = 2;
 
+Error TooManyRows() { return {ERROR_OUT_OF_MEMORY, "too many rows for Merge"}; }
+
 /// The rows of a column. All else has been checked, so that only memory can be wanting.
 Cursor RowsOf(const DataFrame& table, std::uint32_t key)
 {
@@ -31,6 +34,21 @@ Cursor RowsOf(const DataFrame& table, std::uint32_t key)
         throw std::bad_alloc();
     }
     return cursor;
+}
+
+/// Pairs rows by the numbers of their keys; none where keys have no numbers, or where these take more than there is
+/// room for.
+std::optional<RowPairs> PairsByNumber(
+    const Cursor& leftKeys, const Cursor& rightKeys, MERVO_TESSERA_MERGE_JOINTYPE type)
+{
+    const std::uint64_t rows = std::uint64_t{leftKeys->Length()} + rightKeys->Length();
+    const auto most = static_cast<std::uint32_t>(std::min(NUMBERS_PER_ROW * rows, MOST_ROWS));
+    const std::unique_ptr<DenseKeys> keys = DenseKeysOf(leftKeys, rightKeys, most);
+    if (keys == nullptr) {
+        return std::nullopt;
+    }
+    RowPairs pairs(*keys, leftKeys->Length(), rightKeys->Length(), type);
+    return pairs.HasRoom() ? std::optional(std::move(pairs)) : std::nullopt;
 }
 
 /// Gives both lists of rows so many elements; false, with a message, where so many rows of the result have no room.
@@ -146,26 +164,17 @@ Error DataFrame::PairMergeRows(const DataFrame& right, const MergeRows& leftOn, 
     }
     if (count > MOST_ROWS) {
         LogError("Can't merge tables of %llu rows", static_cast<unsigned long long>(count));
-        return {ERROR_OUT_OF_MEMORY, "too many rows for Merge"};
+        return TooManyRows();
     }
     const std::uint64_t cellBytes = RowSizeOf(*series) + RowSizeOf(*right.series);
-    if (leftOn.size() == 1) {
-        const Cursor leftKeys = RowsOf(*this, leftOn.front());
-        const Cursor rightKeys = RowsOf(right, rightOn.front());
-        const auto keys =
-            DenseKeysOf(leftKeys, rightKeys, static_cast<std::uint32_t>(std::min(NUMBERS_PER_ROW * count, MOST_ROWS)));
-        if (keys != nullptr) {
-            const KeyedRows left(*keys, DenseKeys::LEFT, RowCount());
-            const KeyedRows rightK(*keys, DenseKeys::RIGHT, right.RowCount());
-            if (left.HasRoom() && rightK.HasRoom()) {
-                const RowPairs pairs(left, rightK, keys->Bound(), type);
-                if (!MakeRoomFor(pairs.Count(), cellBytes, leftRows, rightRows)) {
-                    return {ERROR_OUT_OF_MEMORY, "too many rows for Merge"};
-                }
-                pairs.Write(leftRows, rightRows);
-                return {};
-            }
+    const auto pairs =
+        leftOn.size() == 1 ? PairsByNumber(RowsOf(*this, leftOn[0]), RowsOf(right, rightOn[0]), type) : std::nullopt;
+    if (pairs.has_value()) {
+        if (!MakeRoomFor(pairs->Count(), cellBytes, leftRows, rightRows)) {
+            return TooManyRows();
         }
+        pairs->Write(leftRows, rightRows);
+        return {};
     }
     std::vector<MergeIndex> merge;
     MergeRows index;
@@ -176,7 +185,7 @@ Error DataFrame::PairMergeRows(const DataFrame& right, const MergeRows& leftOn, 
         CalculateMergeIndex(flags, index, merge);
     }
     if (!MakeRoomFor(GetMergedSeriesLength(merge, type), cellBytes, leftRows, rightRows)) {
-        return {ERROR_OUT_OF_MEMORY, "too many rows for Merge"};
+        return TooManyRows();
     }
     GetLeftRightMergeIndex(merge, index, type, leftRows, rightRows);
     return {};

@@ -25,6 +25,13 @@ struct ArePaired {
 
 } // namespace
 
+RowPairs::RowPairs(
+    const DenseKeys& keys, std::uint32_t leftCount, std::uint32_t rightCount, MERVO_TESSERA_MERGE_JOINTYPE type)
+    : bound(keys.Bound()), keepsLeft(KeepsLeft(type)), keepsRight(KeepsRight(type)),
+      leftRows(keys, DenseKeys::LEFT, leftCount), rightRows(keys, DenseKeys::RIGHT, rightCount)
+{
+}
+
 std::uint64_t RowPairs::Count() const
 {
     std::uint64_t count = 0;
@@ -49,12 +56,12 @@ std::uint64_t RowPairs::Count() const
 }
 
 /// Writes each key's rows, and over them those of the next one unless they were a pair.
-void RowPairs::WriteSingles(std::uint32_t count, std::uint32_t* toLeft, std::uint32_t* toRight) const
+void RowPairs::WriteSingles(std::size_t count, std::uint32_t* toLeft, std::uint32_t* toRight) const
 {
     const ArePaired arePaired{keepsLeft, keepsRight};
     const std::uint32_t* const left = leftRows.Singles();
     const std::uint32_t* const right = rightRows.Singles();
-    std::uint32_t written = 0;
+    std::size_t written = 0;
     for (std::uint32_t key = bound; written < count;) {
         --key;
         toLeft[written] = left[key];
@@ -68,7 +75,7 @@ void RowPairs::Write(std::vector<std::uint32_t>& left, std::vector<std::uint32_t
     std::uint32_t* toLeft = left.data();
     std::uint32_t* toRight = right.data();
     if (AreSingle()) {
-        WriteSingles(static_cast<std::uint32_t>(left.size()), toLeft, toRight);
+        WriteSingles(left.size(), toLeft, toRight);
         return;
     }
     for (std::uint32_t key = bound; key-- != 0;) {

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "tessera/tessera.h"
 #include "tessera/grouping/keyed_rows.h"
+#include "tessera/tessera.h"
 
 namespace MERVO::Tessera {
 
@@ -21,26 +21,26 @@ inline bool KeepsRight(MERVO_TESSERA_MERGE_JOINTYPE type)
 /// The pairs of rows with the same key, keys in descending order; with NO_ROW beside rows that match none.
 class RowPairs {
 public:
-    /// Both outlive the pairs.
-    RowPairs(const KeyedRows& left, const KeyedRows& right, std::uint32_t keyBound, MERVO_TESSERA_MERGE_JOINTYPE type)
-        : leftRows(left), rightRows(right), bound(keyBound), keepsLeft(KeepsLeft(type)), keepsRight(KeepsRight(type))
-    {
-    }
+    /// Takes the keys' numbers, and how many rows the sides have. Working set: that of KeyedRows, for both sides.
+    RowPairs(
+        const DenseKeys& keys, std::uint32_t leftCount, std::uint32_t rightCount, MERVO_TESSERA_MERGE_JOINTYPE type);
 
+    /// False where memory was short; then there is nothing to be asked for.
+    bool HasRoom() const { return leftRows.HasRoom() && rightRows.HasRoom(); }
     /// How many there are: at most all pairs and all single rows, which 64 bits can hold.
     std::uint64_t Count() const;
-    /// Writes both rows of each.
+    /// Writes both rows of each; the lists are as long as there are pairs.
     void Write(std::vector<std::uint32_t>& left, std::vector<std::uint32_t>& right) const;
 
 private:
     bool AreSingle() const { return leftRows.AreSingle() && rightRows.AreSingle(); }
-    void WriteSingles(std::uint32_t count, std::uint32_t* toLeft, std::uint32_t* toRight) const;
+    void WriteSingles(std::size_t count, std::uint32_t* toLeft, std::uint32_t* toRight) const;
 
-    const KeyedRows& leftRows;
-    const KeyedRows& rightRows;
     std::uint32_t bound;
     bool keepsLeft;
     bool keepsRight;
+    KeyedRows leftRows;
+    KeyedRows rightRows;
 };
 
 } // namespace MERVO::Tessera

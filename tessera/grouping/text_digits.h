@@ -10,8 +10,8 @@
 namespace MERVO::Tessera {
 
 /**
- * Reads texts of one size as numbers, their bytes as digits: such as "id0017", of which the first two bytes are the same
- * in all. Numbers are in the order of the texts, and equal where these are.
+ * Reads texts of one size as numbers, their bytes as digits: such as "id0017", of which the first two bytes are the
+ * same in all. Numbers are in the order of the texts, and equal where these are.
  */
 class TextDigits {
 public:
@@ -50,6 +50,8 @@ private:
     void MeetWords(std::span<const std::string> texts);
     template <typename Word>
     void ReadWords(std::span<const std::string> texts, std::uint64_t* numbers) const;
+    static void AddEach(const std::uint64_t* words, const Digit& digit, std::size_t count, std::uint32_t* sums);
+    static void AddWide(const std::uint64_t* words, const Digit& digit, std::size_t count, std::uint32_t* sums);
     template <typename Visit>
     void ForEachByte(Visit visit) const;
 
