@@ -16,7 +16,7 @@ struct ArePaired {
     {
         const bool hasLeft = left != Func::NO_ROW;
         const bool hasRight = right != Func::NO_ROW;
-        return (hasLeft | (keepsRight & hasRight)) & (hasRight | (keepsLeft & hasLeft));
+        return (hasLeft | keepsRight) & (hasRight | (keepsLeft & hasLeft));
     }
 
     bool keepsLeft;
@@ -82,7 +82,7 @@ void RowPairs::Write(std::vector<std::uint32_t>& left, std::vector<std::uint32_t
         Rows ofLeft = leftRows.RowsOf(key);
         Rows ofRight = rightRows.RowsOf(key);
         if (ofLeft.empty() && keepsRight) {
-            ofLeft = ofRight.empty() ? ofLeft : Rows(NOWHERE);
+            ofLeft = Rows(NOWHERE);
         } else if (ofRight.empty() && keepsLeft) {
             ofRight = Rows(NOWHERE);
         }

@@ -10,6 +10,7 @@ namespace MERVO::Tessera {
 namespace {
 
 constexpr std::uint32_t MOST = 100000;
+constexpr std::uint32_t NONE = 0xFFFFFFFF; ///< the bound of no keys
 
 template <typename T>
 std::unique_ptr<DenseKeys> KeysFor(const std::vector<T>& left, const std::vector<T>& right, std::uint32_t most = MOST)
@@ -66,28 +67,28 @@ TEST(DenseKeys, AreThereOnlyForKeysCloseTogether)
     struct Case {
         int line;
         std::unique_ptr<DenseKeys> keys;
-        std::uint32_t bound; // 0 for no keys
+        std::uint32_t bound;
     };
     const std::string full(16, '\xFF');
     const Case cases[] = {
         {__LINE__, KeysFor<std::int64_t>({-7, 5}, {40, 0}, 48), 48},
-        {__LINE__, KeysFor<std::int64_t>({-7, 5}, {40, 0}, 47), 0},
+        {__LINE__, KeysFor<std::int64_t>({-7, 5}, {40, 0}, 47), NONE},
         {__LINE__, KeysFor<std::int64_t>({3}, {}, 1), 1},
-        {__LINE__, KeysFor<std::int64_t>({}, {3}), 0},
-        {__LINE__, KeysFor<std::uint64_t>({0}, {~std::uint64_t{0}}), 0},
+        {__LINE__, KeysFor<std::int64_t>({}, {3}), NONE},
+        {__LINE__, KeysFor<std::uint64_t>({0}, {~std::uint64_t{0}}), NONE},
         {__LINE__, KeysFor<bool>({true, true}, {false}), 2},
-        {__LINE__, KeysFor<double>({1.0}, {1.0}), 0},
-        {__LINE__, KeysFor<std::string>({"k10", "k11"}, {"k12"}), 0},
+        {__LINE__, KeysFor<double>({1.0}, {1.0}), NONE},
+        {__LINE__, KeysFor<std::string>({"k10", "k11"}, {"k12"}), NONE},
         {__LINE__, KeysFor<std::string>({"k001"}, {"k019"}, 18), 18},
-        {__LINE__, KeysFor<std::string>({"k001"}, {"k019"}, 17), 0},
+        {__LINE__, KeysFor<std::string>({"k001"}, {"k019"}, 17), NONE},
         {__LINE__, KeysFor<std::string>({"k001"}, {}), 1},
-        {__LINE__, KeysFor<std::string>({"k001"}, {"k001", "k01"}), 0},
-        {__LINE__, KeysFor<std::string>({"k001"}, {"k0010"}), 0},
-        {__LINE__, KeysFor<std::string>({std::string(17, 'k')}, {}), 0},
-        {__LINE__, KeysFor<std::string>(Texts(600, full), {std::string(16, '\0')}), 0},
+        {__LINE__, KeysFor<std::string>({"k001"}, {"k001", "k01"}), NONE},
+        {__LINE__, KeysFor<std::string>({"k001"}, {"k0010"}), NONE},
+        {__LINE__, KeysFor<std::string>({std::string(17, 'k')}, {}), NONE},
+        {__LINE__, KeysFor<std::string>(Texts(600, full), {std::string(16, '\0')}), NONE},
     };
     for (const Case& expected : cases) {
-        EXPECT_EQ(expected.keys == nullptr ? 0 : expected.keys->Bound(), expected.bound) << expected.line;
+        EXPECT_EQ(expected.keys == nullptr ? NONE : expected.keys->Bound(), expected.bound) << expected.line;
     }
 }
 

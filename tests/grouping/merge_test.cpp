@@ -181,12 +181,12 @@ TYPED_TEST(MergeByKeyOf, GivesTheRowsOfNestedLoops)
     }
 }
 
-/// Rows 0 to count - 1 in no order, each divided, so that as many as that get one key.
+/// Even keys in no order, each as many times as it repeats.
 Positions ShuffledKeys(Random& random, std::uint32_t count, std::uint32_t repeats)
 {
     Positions keys(count);
     for (std::uint32_t i = 0; i < count; ++i) {
-        keys[i] = i / repeats;
+        keys[i] = 2 * (i / repeats);
         std::swap(keys[i], keys[random.Below(i + 1)]);
     }
     return keys;
