@@ -32,26 +32,37 @@ RowPairs::RowPairs(
 {
 }
 
+/// Calls visit(ofLeft, ofRight) with each key's rows, keys in descending order.
+template <typename Visit>
+void RowPairs::ForEachKey(Visit visit) const
+{
+    leftRows.WithRows([&](auto leftOf) {
+        rightRows.WithRows([&](auto rightOf) {
+            for (std::uint32_t key = bound; key-- != 0;) {
+                visit(leftOf(key), rightOf(key));
+            }
+        });
+    });
+}
+
 std::uint64_t RowPairs::Count() const
 {
-    std::uint64_t count = 0;
     if (AreSingle()) {
         const ArePaired arePaired{keepsLeft, keepsRight};
         const std::uint32_t* const left = leftRows.Singles();
         const std::uint32_t* const right = rightRows.Singles();
-        std::uint32_t paired = 0;
+        std::uint32_t count = 0;
         for (std::uint32_t key = 0; key < bound; ++key) {
-            paired += arePaired(left[key], right[key]) ? 1 : 0;
+            count += arePaired(left[key], right[key]) ? 1 : 0;
         }
-        return paired;
+        return count;
     }
-    for (std::uint32_t key = 0; key < bound; ++key) {
-        const std::uint64_t left = leftRows.RowsOf(key).size();
-        const std::uint64_t right = rightRows.RowsOf(key).size();
-        count += left * right;
-        count += left == 0 && keepsRight ? right : 0;
-        count += right == 0 && keepsLeft ? left : 0;
-    }
+    std::uint64_t count = 0;
+    ForEachKey([this, &count](Rows left, Rows right) {
+        const auto paired = std::uint64_t{left.size()} * right.size();
+        count +=
+            paired + (left.empty() && keepsRight ? right.size() : 0) + (right.empty() && keepsLeft ? left.size() : 0);
+    });
     return count;
 }
 
@@ -78,19 +89,19 @@ void RowPairs::Write(std::vector<std::uint32_t>& left, std::vector<std::uint32_t
         WriteSingles(left.size(), toLeft, toRight);
         return;
     }
-    for (std::uint32_t key = bound; key-- != 0;) {
-        Rows ofLeft = leftRows.RowsOf(key);
-        Rows ofRight = rightRows.RowsOf(key);
+    ForEachKey([this, toLeft, toRight](Rows ofLeft, Rows ofRight) mutable {
         if (ofLeft.empty() && keepsRight) {
             ofLeft = Rows(NOWHERE);
         } else if (ofRight.empty() && keepsLeft) {
             ofRight = Rows(NOWHERE);
         }
         for (const std::uint32_t row : ofLeft) {
-            toLeft = std::fill_n(toLeft, ofRight.size(), row);
-            toRight = std::copy(ofRight.begin(), ofRight.end(), toRight);
+            for (const std::uint32_t other : ofRight) { // mostly few
+                *toLeft++ = row;
+                *toRight++ = other;
+            }
         }
-    }
+    });
 }
 
 } // namespace MERVO::Tessera

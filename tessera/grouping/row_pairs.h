@@ -34,6 +34,8 @@ public:
 
 private:
     bool AreSingle() const { return leftRows.AreSingle() && rightRows.AreSingle(); }
+    template <typename Visit>
+    void ForEachKey(Visit visit) const;
     void WriteSingles(std::size_t count, std::uint32_t* toLeft, std::uint32_t* toRight) const;
 
     std::uint32_t bound;
