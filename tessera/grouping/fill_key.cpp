@@ -39,7 +39,8 @@ bool FillKeyBase<CID>::CheckParams(const Cursor& lhs, const Cursor& rhs, const C
 {
     const MERVO_TESSERA_TYPEID type = dst->GetAttr().typeId;
     return lhs->GetAttr().typeId == type && rhs->GetAttr().typeId == type && dst->Length() == left.size() &&
-        left.size() == right.size() && HaveRows(left, lhs->Length(), right, rhs->Length());
+        left.size() == right.size() &&
+        (AreBelow(left, lhs->Length()) || HaveRows(left, lhs->Length(), right, rhs->Length()));
 }
 
 template <ContainerID CID>

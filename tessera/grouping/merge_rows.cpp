@@ -3,11 +3,13 @@
 #include <memory>
 #include <new>
 #include <numeric>
+#include <optional>
 #include <utility>
 
 #include "tessera/core/data_frame.h"
 #include "tessera/core/memory_room.h"
 #include "tessera/functors/missing_cell.h"
+#include "tessera/grouping/row_pairs.h"
 #include "tessera/operations/sort_keys.h"
 #include "tessera/operations/stable_order.h"
 
@@ -18,8 +20,11 @@ using Rows = std::vector<std::uint32_t>;
 
 constexpr std::uint64_t MOST_ROWS = std::numeric_limits<std::uint32_t>::max();
 
-bool KeepsLeft(MERVO_TESSERA_MERGE_JOINTYPE type) { return type == TESSERA_JOIN_LEFT || type == TESSERA_JOIN_OUTER; }
-bool KeepsRight(MERVO_TESSERA_MERGE_JOINTYPE type) { return type == TESSERA_JOIN_RIGHT || type == TESSERA_JOIN_OUTER; }
+/// Up to so many times as many numbers as rows, putting rows down by their keys' numbers is faster than sorting them,
+/// and takes no more memory.
+constexpr std::uint64_t NUMBERS_PER_ROW = 2;
+
+Error TooManyRows() { return {ERROR_OUT_OF_MEMORY, "too many rows for Merge"}; }
 
 /// The rows of a column. All else has been checked, so that only memory can be wanting.
 Cursor RowsOf(const DataFrame& table, std::uint32_t key)
@@ -29,6 +34,33 @@ Cursor RowsOf(const DataFrame& table, std::uint32_t key)
         throw std::bad_alloc();
     }
     return cursor;
+}
+
+/// Pairs rows by the numbers of their keys; none where keys have no numbers, or where these take more than there is
+/// room for.
+std::optional<RowPairs> PairsByNumber(
+    const Cursor& leftKeys, const Cursor& rightKeys, MERVO_TESSERA_MERGE_JOINTYPE type)
+{
+    const std::uint64_t rows = std::uint64_t{leftKeys->Length()} + rightKeys->Length();
+    const auto most = static_cast<std::uint32_t>(std::min(NUMBERS_PER_ROW * rows, MOST_ROWS));
+    const std::unique_ptr<DenseKeys> keys = DenseKeysOf(leftKeys, rightKeys, most);
+    if (keys == nullptr) {
+        return std::nullopt;
+    }
+    RowPairs pairs(*keys, leftKeys->Length(), rightKeys->Length(), type);
+    return pairs.HasRoom() ? std::optional(std::move(pairs)) : std::nullopt;
+}
+
+/// Gives both lists of rows so many elements; false, with a message, where so many rows of the result have no room.
+bool MakeRoomFor(std::uint64_t length, std::uint64_t cellBytes, Rows& leftRows, Rows& rightRows)
+{
+    if (length > MOST_ROWS || !HasRoomFor(length, 2 * sizeof(std::uint32_t) + cellBytes)) {
+        LogError("Can't build a merged table of %llu rows", static_cast<unsigned long long>(length));
+        return false;
+    }
+    leftRows.resize(static_cast<std::size_t>(length));
+    rightRows.resize(static_cast<std::size_t>(length));
+    return true;
 }
 
 } // namespace
@@ -132,7 +164,17 @@ Error DataFrame::PairMergeRows(const DataFrame& right, const MergeRows& leftOn, 
     }
     if (count > MOST_ROWS) {
         LogError("Can't merge tables of %llu rows", static_cast<unsigned long long>(count));
-        return {ERROR_OUT_OF_MEMORY, "too many rows for Merge"};
+        return TooManyRows();
+    }
+    const std::uint64_t cellBytes = RowSizeOf(*series) + RowSizeOf(*right.series);
+    const auto pairs =
+        leftOn.size() == 1 ? PairsByNumber(RowsOf(*this, leftOn[0]), RowsOf(right, rightOn[0]), type) : std::nullopt;
+    if (pairs.has_value()) {
+        if (!MakeRoomFor(pairs->Count(), cellBytes, leftRows, rightRows)) {
+            return TooManyRows();
+        }
+        pairs->Write(leftRows, rightRows);
+        return {};
     }
     std::vector<MergeIndex> merge;
     MergeRows index;
@@ -142,14 +184,9 @@ Error DataFrame::PairMergeRows(const DataFrame& right, const MergeRows& leftOn, 
         index = SortAndGetKey(right, leftOn, rightOn, flags);
         CalculateMergeIndex(flags, index, merge);
     }
-    const std::uint64_t length = GetMergedSeriesLength(merge, type);
-    const std::uint64_t rowBytes = 2 * sizeof(std::uint32_t) + RowSizeOf(*series) + RowSizeOf(*right.series);
-    if (length > MOST_ROWS || !HasRoomFor(length, rowBytes)) {
-        LogError("Can't build a merged table of %llu rows", static_cast<unsigned long long>(length));
-        return {ERROR_OUT_OF_MEMORY, "too many rows for Merge"};
+    if (!MakeRoomFor(GetMergedSeriesLength(merge, type), cellBytes, leftRows, rightRows)) {
+        return TooManyRows();
     }
-    leftRows.resize(static_cast<std::size_t>(length));
-    rightRows.resize(static_cast<std::size_t>(length));
     GetLeftRightMergeIndex(merge, index, type, leftRows, rightRows);
     return {};
 }

@@ -181,6 +181,60 @@ TYPED_TEST(MergeByKeyOf, GivesTheRowsOfNestedLoops)
     }
 }
 
+/// Even keys in no order, each as many times as it repeats.
+Positions ShuffledKeys(Random& random, std::uint32_t count, std::uint32_t repeats)
+{
+    Positions keys(count);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        keys[i] = 2 * (i / repeats);
+        std::swap(keys[i], keys[random.Below(i + 1)]);
+    }
+    return keys;
+}
+
+// Keys that lie close together are looked up, others sorted; the rows are the same.
+TEST(Merge, PairsRowsAlikeHoweverKeysAreFound)
+{
+    const auto numbered = [](auto number) {
+        return [number](const Positions& keys) {
+            std::vector<decltype(number(0U))> cells;
+            std::transform(keys.begin(), keys.end(), std::back_inserter(cells), number);
+            return Column("key", cells);
+        };
+    };
+    const auto digits = [](std::uint32_t key) { return std::to_string(1000 + key); };
+    const std::function<SeriesPtr(const Positions&)> forms[] = {
+        numbered([](std::uint32_t key) { return static_cast<std::int16_t>(static_cast<int>(key) - 300); }),
+        numbered([](std::uint32_t key) { return DateTime(static_cast<long>(key)); }),
+        numbered([](std::uint32_t key) { return std::int64_t{key} * 1000003 - 400000000; }),
+        numbered([digits](std::uint32_t key) { return digits(key); }),
+        numbered([digits](std::uint32_t key) { return "no. " + digits(key) + "-a"; }),
+        numbered([digits](std::uint32_t key) { return "a text of more bytes " + digits(key); })};
+    Random random(17);
+    for (const auto& [leftRepeats, rightRepeats] :
+        {std::pair(1U, 1U), std::pair(3U, 1U), std::pair(1U, 3U), std::pair(2U, 3U)}) {
+        const Positions leftKeys = ShuffledKeys(random, 1100, leftRepeats);
+        Positions rightKeys = ShuffledKeys(random, 1000, rightRepeats);
+        std::for_each(rightKeys.begin(), rightKeys.end(), [](std::uint32_t& key) { key += 200; });
+        Positions rows(1100);
+        std::iota(rows.begin(), rows.end(), 1U); // no row is 0, which stands for a missing one
+        for (const auto type : JOIN_TYPES) {
+            const auto pairs = ModelPairs({KeyOf(leftKeys, rightKeys)}, 1100, 1000, type);
+            const auto expected = std::pair(ModelColumn<std::uint32_t>(pairs, rows, nullptr),
+                ModelColumn<std::uint32_t>(Swapped(pairs), rows, nullptr));
+            for (const auto& form : forms) {
+                const DataFrame left = TableOf(form(leftKeys), Column("row", rows));
+                const DataFrame right =
+                    TableOf(form(rightKeys), Column("row", Positions(rows.begin(), rows.begin() + 1000)));
+                const DataFrame merged = left.Merge(right, {0}, {0}, type, SUFFIXES);
+                EXPECT_EQ(std::pair(CellsOfColumn<std::uint32_t>(merged, 1), CellsOfColumn<std::uint32_t>(merged, 2)),
+                    expected)
+                    << leftRepeats << ' ' << rightRepeats << ' ' << type << ' ' << &form - forms;
+            }
+        }
+    }
+}
+
 // ---- The steps of a merge, each by what only it does
 
 TEST(Merge, PairsKeysByRankOnce)
