@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "tessera/grouping/text_digits.h"
+#include "tessera/core/text_digits.h"
 #include "tessera/operations/sort_keys.h"
 
 namespace MERVO::Tessera {
@@ -72,13 +72,8 @@ std::unique_ptr<DenseKeys> DenseTextsOf(const Cursor& left, const Cursor& right,
     };
     const Sides<std::span<const std::string>> sides{textsOf(left), textsOf(right)};
     TextDigits digits(sides[0].front().size());
-    for (std::span<const std::string> texts : sides) {
-        for (; !texts.empty(); texts = texts.subspan(std::min<std::size_t>(texts.size(), DenseKeys::BLOCK))) {
-            digits.Meet(texts.first(std::min<std::size_t>(texts.size(), DenseKeys::BLOCK)));
-            if (digits.Bound() > most) {
-                return nullptr;
-            }
-        }
+    if (!digits.Meet(sides[0], most) || !digits.Meet(sides[1], most)) {
+        return nullptr;
     }
     digits.Settle();
     return std::make_unique<DenseTexts>(sides, digits);

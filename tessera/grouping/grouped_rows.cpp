@@ -42,10 +42,9 @@ bool AreInOrder(Keys keys)
     return keys.size() == 1 && type != TESSERA_BOOL && type != TESSERA_DATETIME;
 }
 
-/// Numbers rows by their keys; returns how many numbers there are.
-std::uint32_t NumberRows(Keys keys, Numbers& numbers)
+/// Numbers rows; returns how many numbers there are.
+std::uint32_t NumberRows(RowNumbers rows, Numbers& numbers)
 {
-    RowNumbers rows(keys, RowNumbers::Nan::NONE_EQUAL);
     const auto end = static_cast<std::uint32_t>(numbers.size());
     for (std::uint32_t first = 0; first < end; first += RowNumbers::BLOCK) {
         rows.NumberUp(first, std::min(RowNumbers::BLOCK, end - first), numbers.data() + first);
@@ -71,6 +70,23 @@ std::uint32_t NumberPairs(Numbers& firsts, std::uint32_t firstCount, const Numbe
     return pairs.Count();
 }
 
+/// Numbers rows by their keys; returns how many numbers there are.
+std::uint32_t NumberByKeys(Keys keys, Numbers& numbers)
+{
+    const auto numberingOf = [](Keys some) { return RowNumbers(some, RowNumbers::Nan::NONE_EQUAL); };
+    RowNumbers all = numberingOf(keys);
+    if (keys.size() == 1 || !all.NumbersTexts()) {
+        return NumberRows(std::move(all), numbers);
+    }
+    std::uint32_t count = NumberRows(numberingOf(keys.first(1)), numbers);
+    Numbers next(numbers.size());
+    for (std::size_t k = 1; k < keys.size(); ++k) {
+        const std::uint32_t nextCount = NumberRows(numberingOf(keys.subspan(k, 1)), next);
+        count = NumberPairs(numbers, count, next, nextCount);
+    }
+    return count;
+}
+
 } // namespace
 
 GroupedRows::GroupedRows(Keys keys) : groupOfRow(keys.front()->Length()), begins(1)
@@ -88,15 +104,7 @@ GroupedRows::GroupedRows(Keys keys) : groupOfRow(keys.front()->Length()), begins
 
 void GroupedRows::NumberByBits(Keys keys)
 {
-    const bool hasTexts = std::any_of(
-        keys.begin(), keys.end(), [](const Cursor& key) { return key->GetAttr().typeId == TESSERA_STRING; });
-    const std::size_t atOnce = hasTexts ? 1 : keys.size(); // how wide a text's numbers are shows only at the end
-    std::uint32_t count = NumberRows(keys.first(atOnce), groupOfRow);
-    Numbers next(atOnce == keys.size() ? 0 : groupOfRow.size());
-    for (std::size_t k = atOnce; k < keys.size(); ++k) {
-        const std::uint32_t nextCount = NumberRows(keys.subspan(k, 1), next);
-        count = NumberPairs(groupOfRow, count, next, nextCount);
-    }
+    const std::uint32_t count = NumberByKeys(keys, groupOfRow);
     firstRows.reserve(count);
     begins.resize(count + std::size_t{1});
     std::uint32_t found = 0;

@@ -8,6 +8,7 @@
 
 #include "tessera/core/distinct_keys.h"
 #include "tessera/core/distinct_texts.h"
+#include "tessera/core/text_digits.h"
 #include "tessera/operations/sort_keys.h"
 
 namespace MERVO::Tessera {
@@ -16,9 +17,9 @@ namespace MERVO::Tessera {
  * Numbers rows by their cells: equal rows get one number, and new ones the next, from 0 on in the order in which they
  * come. 0.0 and -0.0 are equal; floating cells are compared without a tolerance.
  *
- * A row's cells are packed into a key of 64 bits, each with as many bits as its column's range needs. Texts, and what
- * would not fit, are numbered first. Working set: for each distinct row, and each value numbered first, some 32 bytes,
- * for a text 64 to 256; or 4 bytes per row where the keys are few.
+ * A row's cells are packed into a key of 64 bits, each with as many bits as its column's range needs. Texts that can't
+ * be read as numbers, and what would not fit, are numbered first. Working set: for each distinct row, and each value
+ * numbered first, some 32 bytes, for a text 64 to 256; or 4 bytes per row where the keys are few.
  */
 class RowNumbers {
 public:
@@ -29,6 +30,9 @@ public:
 
     /// The number that the next row gets, unless it is equal to one before.
     [[nodiscard]] std::uint32_t Count() const;
+
+    /// Whether texts are numbered first: how many bits their numbers need shows only at the end.
+    [[nodiscard]] bool NumbersTexts() const;
 
     /// The most rows that are numbered at a time.
     static constexpr std::uint32_t BLOCK = 512;
@@ -43,8 +47,9 @@ private:
     struct Part {
         std::unique_ptr<SortKeys> cells; ///< what a number's part is made of, less the lowest one
         std::uint64_t lowest = 0;
-        const std::string* texts = nullptr; ///< what takes the part of its number instead
-        std::unique_ptr<DistinctTexts> textNumbers;
+        const std::string* texts = nullptr;
+        std::unique_ptr<TextDigits> digits;          ///< what texts of few digits take part by
+        std::unique_ptr<DistinctTexts> textNumbers;  ///< by whose numbers all others do
         std::unique_ptr<DistinctKeys> ownNumbers;    ///< where a number takes part by its number
         std::unique_ptr<DistinctKeys> packedNumbers; ///< where what was packed before is numbered, to make room
         unsigned int bits = 0;
@@ -58,6 +63,7 @@ private:
     };
 
     void MeasureCells(Part& part, std::uint32_t rows) const;
+    static void MeasureTexts(Part& part, std::uint32_t rows);
     static void NumberTexts(Part& part, const Rows& rows, std::uint32_t* numbers);
     void ReadNumbers(Part& part, const Rows& rows, std::uint64_t* keys);
     void NumberRows(const Rows& rows, std::uint32_t* numbers);

@@ -18,8 +18,8 @@ public:
     /// Takes the size of all texts.
     explicit TextDigits(std::size_t textSize);
 
-    /// Learns which digits texts have.
-    void Meet(std::span<const std::string> texts);
+    /// Learns which digits texts have; false once numbers would be `most` or above, and all else is in vain.
+    bool Meet(std::span<const std::string> texts, std::uint64_t most);
     /// All numbers are below this, which is TOO_MANY for more than 32 bits can count, and where texts are of several
     /// sizes, or of one for which two words are too many or too few.
     std::uint64_t Bound() const;
@@ -27,8 +27,9 @@ public:
 
     /// Has to be called when all texts were met, and before they are read. The bound is within 32 bits.
     void Settle();
-    /// Writes the number of each text; of no more than MOST at a time.
+    /// Write the number of each text, adjacent ones or those at some positions; of no more than MOST at a time.
     void Read(std::span<const std::string> texts, std::uint64_t* numbers) const;
+    void Read(const std::string* texts, std::span<const std::uint32_t> positions, std::uint64_t* numbers) const;
     static constexpr std::size_t MOST = 512;
 
 private:
@@ -48,8 +49,10 @@ private:
 
     template <typename Word>
     void MeetWords(std::span<const std::string> texts);
-    template <typename Word>
-    void ReadWords(std::span<const std::string> texts, std::uint64_t* numbers) const;
+    template <typename TextAt>
+    void ReadEach(TextAt textAt, std::size_t count, std::uint64_t* numbers) const;
+    template <typename Word, typename TextAt>
+    void ReadWords(TextAt textAt, std::size_t count, std::uint64_t* numbers) const;
     static void AddEach(const std::uint64_t* words, const Digit& digit, std::size_t count, std::uint32_t* sums);
     static void AddWide(const std::uint64_t* words, const Digit& digit, std::size_t count, std::uint32_t* sums);
     template <typename Visit>

@@ -1,4 +1,4 @@
-#include "tessera/grouping/text_digits.h"
+#include "tessera/core/text_digits.h"
 
 #include <algorithm>
 #include <bit>
@@ -57,11 +57,18 @@ void TextDigits::MeetWords(std::span<const std::string> texts)
     highest = high;
 }
 
-void TextDigits::Meet(std::span<const std::string> texts)
+bool TextDigits::Meet(std::span<const std::string> texts, std::uint64_t most)
 {
-    if (width != 0) {
-        width == WORD ? MeetWords<std::uint64_t>(texts) : MeetWords<std::uint32_t>(texts);
+    for (; !texts.empty(); texts = texts.subspan(std::min(texts.size(), MOST))) {
+        const auto block = texts.first(std::min(texts.size(), MOST));
+        if (width != 0) {
+            width == WORD ? MeetWords<std::uint64_t>(block) : MeetWords<std::uint32_t>(block);
+        }
+        if (Bound() > most) {
+            return false;
+        }
     }
+    return true;
 }
 
 /// Calls visit(isOfLast, byte, lowest, highest) for each byte from the last one, which counts least, to the first one.
@@ -116,30 +123,44 @@ TESSERA_WIDE_VECTORS void TextDigits::AddWide(
     AddEach(words, digit, count, sums);
 }
 
-template <typename Word>
-void TextDigits::ReadWords(std::span<const std::string> texts, std::uint64_t* numbers) const
+template <typename Word, typename TextAt>
+void TextDigits::ReadWords(TextAt textAt, std::size_t count, std::uint64_t* numbers) const
 {
     std::array<std::array<std::uint64_t, MOST>, 2> words;
     std::array<std::uint32_t, MOST> sums;
     const std::size_t distance = size - sizeof(Word);
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        PrefetchLater(texts[i]);
-        const char* const bytes = texts[i].data();
+    for (std::size_t i = 0; i < count; ++i) {
+        const char* const bytes = textAt(i).data();
         words[0][i] = LoadWord<Word>(bytes);
         words[1][i] = LoadWord<Word>(bytes + distance);
         sums[i] = 0U - base;
     }
     for (std::size_t k = 0; k < digitCount; ++k) {
         const std::uint64_t* const from = words[digits[k].isOfLast ? 1 : 0].data();
-        HasWideVectors() ? AddWide(from, digits[k], texts.size(), sums.data())
-                         : AddEach(from, digits[k], texts.size(), sums.data());
+        HasWideVectors() ? AddWide(from, digits[k], count, sums.data()) : AddEach(from, digits[k], count, sums.data());
     }
-    std::copy_n(sums.begin(), texts.size(), numbers);
+    std::copy_n(sums.begin(), count, numbers);
+}
+
+template <typename TextAt>
+void TextDigits::ReadEach(TextAt textAt, std::size_t count, std::uint64_t* numbers) const
+{
+    width == WORD ? ReadWords<std::uint64_t>(textAt, count, numbers) : ReadWords<std::uint32_t>(textAt, count, numbers);
 }
 
 void TextDigits::Read(std::span<const std::string> texts, std::uint64_t* numbers) const
 {
-    width == WORD ? ReadWords<std::uint64_t>(texts, numbers) : ReadWords<std::uint32_t>(texts, numbers);
+    const auto textAt = [texts](std::size_t i) -> const std::string& {
+        PrefetchLater(texts[i]);
+        return texts[i];
+    };
+    ReadEach(textAt, texts.size(), numbers);
+}
+
+void TextDigits::Read(const std::string* texts, std::span<const std::uint32_t> positions, std::uint64_t* numbers) const
+{
+    const auto textAt = [texts, positions](std::size_t i) -> const std::string& { return texts[positions[i]]; };
+    ReadEach(textAt, positions.size(), numbers);
 }
 
 } // namespace MERVO::Tessera
