@@ -12,7 +12,7 @@ namespace {
 /// while others are numbered.
 void PrefetchLater(std::string_view text)
 {
-    constexpr std::uintptr_t DISTANCE = 512 * sizeof(std::string);
+    constexpr std::uintptr_t DISTANCE = 96 * sizeof(std::string);
     __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(text.data()) + DISTANCE));
 }
 
