@@ -1,6 +1,8 @@
 #include "tessera/grouping/dense_keys.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <span>
 #include <string>
 #include <utility>
@@ -38,6 +40,7 @@ public:
     }
     void Read(Side side, std::uint32_t first, std::uint32_t count, std::uint64_t* numbers) const override
     {
+        static_assert(BLOCK <= TextDigits::MOST);
         digits.Read(cells[side].subspan(first, count), numbers);
     }
 
@@ -72,9 +75,9 @@ std::unique_ptr<DenseKeys> DenseTextsOf(const Cursor& left, const Cursor& right,
     };
     const Sides<std::span<const std::string>> sides{textsOf(left), textsOf(right)};
     TextDigits digits(sides[0].front().size());
-    for (std::span<const std::string> texts : sides) {
-        for (; !texts.empty(); texts = texts.subspan(std::min<std::size_t>(texts.size(), DenseKeys::BLOCK))) {
-            digits.Meet(texts.first(std::min<std::size_t>(texts.size(), DenseKeys::BLOCK)));
+    for (const std::span<const std::string> texts : sides) {
+        for (std::size_t first = 0; first < texts.size(); first += TextDigits::MOST) {
+            digits.Meet(texts.subspan(first, std::min(texts.size() - first, TextDigits::MOST)));
             if (digits.Bound() > most) {
                 return nullptr;
             }
