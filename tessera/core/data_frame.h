@@ -349,6 +349,7 @@ public:
      *
      * Working set: for each row of both tables 21 bytes while they are sorted, with NaN 29; then 4, with 16 for each
      * distinct key and 8 for each row of the result, which alone stay until the result is whole. Keys are not copied.
+     * Where the values of a single key lie close together, up to 20 bytes for each row take the place of the first two.
      * @param leftOn   positions of the keys in this table's window. Each counts once, and they are taken in ascending
      *                 order: the lowest one is paired with the lowest of rightOn, and so on. Without keys every row
      *                 matches every other.

@@ -1,6 +1,8 @@
 #include "tessera/grouping/dense_keys.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <span>
 #include <string>
 #include <utility>
@@ -38,6 +40,7 @@ public:
     }
     void Read(Side side, std::uint32_t first, std::uint32_t count, std::uint64_t* numbers) const override
     {
+        static_assert(BLOCK <= TextDigits::MOST);
         digits.Read(cells[side].subspan(first, count), numbers);
     }
 
