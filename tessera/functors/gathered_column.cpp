@@ -7,7 +7,6 @@
 #include "tessera/functors/cell_place.h"
 #include "tessera/functors/gather.h"
 #include "tessera/functors/long_texts.h"
-#include "tessera/platform/streaming_store.h"
 
 namespace MERVO::Tessera::Func {
 namespace {
@@ -16,7 +15,8 @@ std::byte* PlaceOf(const Cursor& numbers) { return static_cast<std::byte*>(CellP
 
 } // namespace
 
-GatheredColumn::GatheredColumn(Cursor source, std::uint32_t length, std::string name) : from(std::move(source))
+GatheredColumn::GatheredColumn(Cursor source, std::uint32_t length, std::string name, bool streams)
+    : from(std::move(source))
 {
     if (from == nullptr) {
         return;
@@ -31,7 +31,7 @@ GatheredColumn::GatheredColumn(Cursor source, std::uint32_t length, std::string 
         to = column->GetIterator();
         const auto cellSize = static_cast<std::size_t>(CellSizeOf(column->GetTypeId()));
         if (to != nullptr && CanCompress(cellSize)) {
-            compression.emplace(cellSize, PlaceOf(from), PlaceOf(to), length >= STREAMED_FROM / cellSize);
+            compression.emplace(cellSize, PlaceOf(from), PlaceOf(to), streams);
         }
     }
 }

@@ -17,7 +17,8 @@ namespace MERVO::Tessera::Func {
 class GatheredColumn {
 public:
     /// Makes room for `length` elements. `source` is on an array, or null where memory was short.
-    GatheredColumn(Cursor source, std::uint32_t length, std::string name);
+    /// @param streams whether numbers are written past the caches, where AppendChosen serves them.
+    GatheredColumn(Cursor source, std::uint32_t length, std::string name, bool streams);
     GatheredColumn(const GatheredColumn&) = delete;
     GatheredColumn& operator=(const GatheredColumn&) = delete;
     ~GatheredColumn() { FillTexts(); }

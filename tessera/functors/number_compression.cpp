@@ -8,6 +8,7 @@
 #include <bit>
 #include <cstring>
 #include <immintrin.h>
+#include <utility>
 #endif
 
 namespace MERVO::Tessera::Func {
@@ -61,60 +62,67 @@ TESSERA_WIDE_VECTORS std::byte* CompressWords(std::span<const Word> words, const
     return to;
 }
 
-/// Bytes on their way to adjacent places, of which whole lines go past the caches where that is asked for.
+/// Further bytes of a sequence on their way to it.
 class Stage {
 public:
     static constexpr std::size_t BYTES = 4096; ///< at home in the first-level cache
 
-    Stage(std::byte* destination, bool streams) : to(destination), isStreamed(streams) {}
+    explicit Stage(ByteSequence& destination) : sequence(destination), held(destination.waitingCount)
+    {
+        std::memcpy(staged.data(), sequence.waiting.data(), ByteSequence::LINE);
+    }
+    Stage(const Stage&) = delete;
+    Stage& operator=(const Stage&) = delete;
+    ~Stage()
+    {
+        sequence.waitingCount = held;
+        std::memcpy(sequence.waiting.data(), staged.data(), ByteSequence::LINE);
+    }
 
     /// Room for BYTES, and a vector behind them.
     std::byte* Room() { return staged.data() + held; }
     void FilledTo(const std::byte* end)
     {
         held = static_cast<std::size_t>(end - staged.data());
-        if (isStreamed) {
-            Write(std::min(held, -reinterpret_cast<std::uintptr_t>(to) % LINE), false); // to the start of a line
-            Write(held / LINE * LINE, true);
-        } else {
-            Write(held, false);
+        if (!sequence.isStreamed) {
+            Write(held);
+            return;
         }
-    }
-    /// Gives the place behind the last byte.
-    std::byte* Finish()
-    {
-        Write(held, false);
-        return to;
+        const std::size_t lead = -reinterpret_cast<std::uintptr_t>(sequence.to) % ByteSequence::LINE;
+        if (lead != 0) [[unlikely]] { // of the first bytes only
+            const std::size_t count = std::min(held, lead);
+            Write(count);
+            std::memmove(staged.data(), staged.data() + count, held);
+        }
+        const std::size_t lines = held / ByteSequence::LINE * ByteSequence::LINE;
+        if (lines != 0) {
+            StreamBytes(sequence.to, staged.data(), lines);
+            sequence.to += lines;
+            held -= lines;
+            std::memcpy(staged.data(), staged.data() + lines, ByteSequence::LINE);
+        }
     }
 
 private:
-    void Write(std::size_t count, bool past)
+    void Write(std::size_t count)
     {
-        if (past) {
-            StreamBytes(to, staged.data(), count);
-        } else {
-            std::memcpy(to, staged.data(), count);
-        }
-        to += count;
+        std::memcpy(sequence.to, staged.data(), count);
+        sequence.to += count;
         held -= count;
-        std::memmove(staged.data(), staged.data() + count, held);
     }
 
-    static constexpr std::size_t LINE = 64;
-
-    std::byte* to;
-    bool isStreamed;
-    std::size_t held = 0;
-    alignas(LINE) std::array<std::byte, BYTES + LINE + VECTOR> staged;
+    ByteSequence& sequence;
+    std::size_t held;
+    alignas(ByteSequence::LINE) std::array<std::byte, BYTES + ByteSequence::LINE + VECTOR> staged;
 };
 
-/// Copies the chosen ones of rows, the first of which stands at `from`. Gives the place behind the last one.
+/// Copies the chosen ones of rows, the first of which stands at `from`.
 template <std::size_t CELLS>
-std::byte* Compress(const RowChoice& rows, const std::byte* from, std::byte* to, bool isStreamed)
+void Compress(const RowChoice& rows, const std::byte* from, ByteSequence& to)
 {
     constexpr std::size_t WORD_BYTES = WORD_BITS * (VECTOR / CELLS); // of the cells that a word tells of
     constexpr std::size_t STEP = Stage::BYTES / WORD_BYTES;          // words
-    Stage stage(to, isStreamed);
+    Stage stage(to);
     const std::size_t whole = rows.count / WORD_BITS; // words
     for (std::size_t word = 0; word < whole; word += STEP) {
         const auto words = rows.bits.subspan(word, std::min(STEP, whole - word));
@@ -125,7 +133,6 @@ std::byte* Compress(const RowChoice& rows, const std::byte* from, std::byte* to,
         std::memcpy(last.data(), from + whole * WORD_BYTES, rows.count % WORD_BITS * (VECTOR / CELLS));
         stage.FilledTo(CompressWords<CELLS>(rows.bits.last(1), last.data(), stage.Room()));
     }
-    return stage.Finish();
 }
 
 } // namespace
@@ -133,12 +140,13 @@ std::byte* Compress(const RowChoice& rows, const std::byte* from, std::byte* to,
 void NumberCompression::Append(const RowChoice& rows)
 {
     const auto compress = cellSize == sizeof(std::uint64_t) ? &Compress<4> : &Compress<8>;
-    to = compress(rows, from + rows.first * cellSize, to, isStreamed);
+    compress(rows, from + rows.first * cellSize, written);
 }
 
 void NumberCompression::Finish()
 {
-    if (isStreamed) {
+    if (written.isStreamed) {
+        std::memcpy(written.to, written.waiting.data(), std::exchange(written.waitingCount, 0));
         FinishStreaming();
     }
 }

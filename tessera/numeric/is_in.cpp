@@ -5,13 +5,14 @@
 #include <bit>
 #include <limits>
 #include <string>
-#include <vector>
 
+#include "tessera/core/block_vector.h"
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
 #include "tessera/core/key_filter.h"
 #include "tessera/core/key_hash.h"
 #include "tessera/core/key_numbers.h"
+#include "tessera/core/text_key.h"
 #include "tessera/functors/cell_blocks.h"
 
 namespace MERVO::Tessera::Func {
@@ -22,52 +23,46 @@ namespace {
 using Text = const std::string*;
 
 template <typename T>
-auto KeyOf(T cell)
+[[gnu::always_inline]] inline auto KeyOf(T cell)
 {
     if constexpr (std::is_floating_point_v<T>) {
         using Key = std::conditional_t<sizeof(T) == sizeof(std::uint32_t), std::uint32_t, std::uint64_t>;
         const T settled = cell == cell ? cell + T{0} : std::numeric_limits<T>::quiet_NaN(); // -0.0 + 0.0 is 0.0
         return std::bit_cast<Key>(settled);
-    } else if constexpr (std::is_same_v<T, Text> || sizeof(T) > sizeof(std::uint32_t)) {
+    } else if constexpr (std::is_same_v<T, Text>) {
+        return TextKey(*cell);
+    } else if constexpr (sizeof(T) > sizeof(std::uint32_t)) {
         return cell;
     } else {
         return std::uint32_t{cell};
     }
 }
 
-std::uint32_t HashOfKey(std::uint32_t key) { return HashOf(key); }
-std::uint32_t HashOfKey(std::uint64_t key) { return HashOf(key); }
-std::uint32_t HashOfKey(Text key) { return HashOf(std::string_view(*key)); }
-
 // ---- Sets of keys
 
 template <typename Key>
 class KeySet {
 public:
-    void Add(Key key, std::uint32_t hash)
+    void Add(const Key& key, std::uint32_t hash)
     {
-        if (numbers.FindOrAdd(hash, IsKey{*this, key}) == keys.size()) {
+        if (numbers.FindOrAdd(hash, IsKey{keys, key}) == keys.size()) {
             keys.push_back(key);
         }
     }
-    bool Has(Key key, std::uint32_t hash) const { return numbers.Find(hash, IsKey{*this, key}) != KeyNumbers::NONE; }
+    bool Has(const Key& key, std::uint32_t hash) const
+    {
+        return numbers.Find(hash, IsKey{keys, key}) != KeyNumbers::NONE;
+    }
     const KeyNumbers& Numbers() const { return numbers; }
 
 private:
     struct IsKey {
-        bool operator()(std::uint32_t number) const
-        {
-            if constexpr (std::is_same_v<Key, Text>) {
-                return *set.keys[number] == *key;
-            } else {
-                return set.keys[number] == key;
-            }
-        }
-        const KeySet& set;
+        bool operator()(std::uint32_t number) const { return keys[number] == key; }
+        const BlockVector<Key>& keys;
         const Key& key;
     };
     KeyNumbers numbers;
-    std::vector<Key> keys;
+    BlockVector<Key> keys;
 };
 
 /// The hash of such a key is as good as the key.
@@ -90,58 +85,53 @@ void PrefetchBehind(Text cell)
     __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(cell) + DISTANCE));
 }
 
-/// A block of cells, hashed. Cell is a value type as CellBlocks give it, integers without their sign.
-template <typename Cell>
-class HashedCells {
-public:
-    HashedCells(const void* block, std::uint32_t cellCount) : cells(static_cast<const Cell*>(block)), count(cellCount)
-    {
-        for (std::uint32_t i = 0; i < count; ++i) {
-            if constexpr (std::is_same_v<Cell, Text>) {
-                PrefetchBehind(cells[i]);
-            }
-            hashes[i] = HashOfKey(KeyOf(cells[i]));
-        }
-    }
-    template <typename Set>
-    void AddTo(Set& set) const
-    {
-        for (std::uint32_t i = 0; i < count; ++i) {
-            set.Add(KeyOf(cells[i]), hashes[i]);
-        }
-    }
-    /// Most cells are told by the filter; only the others meet jumps that no processor can predict.
-    template <typename Set>
-    void FindIn(const Set& set, const KeyFilter& filter, bool* results) const
-    {
-        std::array<std::uint16_t, CellBlocks::LONGEST> candidates;
-        std::uint32_t candidateCount = 0;
-        for (std::uint32_t i = 0; i < count; ++i) {
-            candidates[candidateCount] = static_cast<std::uint16_t>(i);
-            candidateCount += filter.MayHave(hashes[i]) ? 1 : 0;
-        }
-        std::fill_n(results, count, false);
-        for (std::uint32_t k = 0; k < candidateCount; ++k) {
-            const std::uint32_t i = candidates[k];
-            results[i] = set.Has(KeyOf(cells[i]), hashes[i]);
-        }
-    }
-
-private:
-    const Cell* cells;
-    std::uint32_t count;
+/// Asks for the memory of all of a block's keys before it needs the first, as a large set is in no cache.
+template <typename Cell, typename Set>
+void AddBlock(const Cell* cells, std::uint32_t count, Set& set)
+{
     std::array<std::uint32_t, CellBlocks::LONGEST> hashes;
-};
+    for (std::uint32_t i = 0; i < count; ++i) {
+        hashes[i] = HashOf(KeyOf(cells[i]));
+        set.Numbers().Prefetch(hashes[i]);
+    }
+    for (std::uint32_t i = 0; i < count; ++i) {
+        set.Add(KeyOf(cells[i]), hashes[i]);
+    }
+}
 
+/// Most cells are told by the filter; only the others meet jumps that no processor can predict.
+template <typename Cell, typename Set>
+void FindInBlock(const Set& set, const KeyFilter& filter, const Cell* cells, std::uint32_t count, bool* results)
+{
+    std::array<std::uint16_t, CellBlocks::LONGEST> candidates;
+    std::array<std::uint32_t, CellBlocks::LONGEST> hashes; // of the candidates
+    std::uint32_t candidateCount = 0;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        if constexpr (std::is_same_v<Cell, Text>) {
+            PrefetchBehind(cells[i]);
+        }
+        const std::uint32_t hash = HashOf(KeyOf(cells[i]));
+        candidates[candidateCount] = static_cast<std::uint16_t>(i);
+        hashes[candidateCount] = hash;
+        candidateCount += filter.MayHave(hash) ? 1 : 0;
+    }
+    std::fill_n(results, count, false);
+    for (std::uint32_t k = 0; k < candidateCount; ++k) {
+        const std::uint32_t i = candidates[k];
+        results[i] = set.Has(KeyOf(cells[i]), hashes[k]);
+    }
+}
+
+/// Cell is a value type as CellBlocks give it, integers without their sign.
 template <typename Cell>
 void FindCells(const Cursor& src, const Cursor& compare, const Cursor& dst)
 {
     KeySet<decltype(KeyOf(Cell{}))> set;
-    ForEachBlock(
-        compare, [&set](const void* cells, std::uint32_t count) { HashedCells<Cell>(cells, count).AddTo(set); });
+    ForEachBlock(compare,
+        [&set](const void* cells, std::uint32_t count) { AddBlock(static_cast<const Cell*>(cells), count, set); });
     const KeyFilter filter(set.Numbers());
     ForEachBlock(src, dst, false, [&set, &filter](const void* cells, void* results, std::uint32_t count) {
-        HashedCells<Cell>(cells, count).FindIn(set, filter, static_cast<bool*>(results));
+        FindInBlock(set, filter, static_cast<const Cell*>(cells), count, static_cast<bool*>(results));
     });
 }
 

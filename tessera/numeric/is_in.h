@@ -10,7 +10,8 @@ namespace MERVO::Tessera::Func {
  *
  * Both columns have one value type; they need not be of one length. 0.0 and -0.0 are the same, and so are all NaN.
  * Strings are compared by their bytes, DateTime by its stamp. Working set: a hash table of the distinct elements of
- * compare with 17 to 34 bytes for each, 8 more in columns of 64 bits, and of strings the size of a pointer.
+ * compare with 18 to 36 bytes for each, 8 more in columns of 64 bits, and 32 more of strings. Of fewer than 4096 of
+ * them it is up to 80 KiB more.
  *
  * Code 21, with a message in the log: the value types differ, compare has no elements, or the destination is no bool
  * column of the source's length. Code 1, with a message: nested tables. Throws std::bad_alloc when memory is short.

@@ -13,11 +13,21 @@
 #include "tessera/functors/gathered_column.h"
 #include "tessera/functors/table_combination.h"
 #include "tessera/operations/marked_rows.h"
+#include "tessera/platform/streaming_store.h"
 
 namespace MERVO::Tessera {
 namespace {
 
 using Rows = std::span<const std::uint32_t>;
+
+std::uint64_t RowSizeOf(const DataFrameRef& table)
+{
+    std::uint64_t bytes = 0;
+    for (unsigned int k = 0; k < table.ColumnCount(); ++k) {
+        bytes += CellSizeOf(table.GetColumn(k)->GetTypeId());
+    }
+    return bytes;
+}
 
 /// The columns of a new table, all of which get the same rows.
 class ChosenRows {
@@ -25,9 +35,10 @@ public:
     /// Takes a table that IsServed.
     ChosenRows(const DataFrameRef& table, std::uint32_t count)
     {
+        const bool streams = count >= STREAMED_FROM / RowSizeOf(table);
         for (unsigned int k = 0; k < table.ColumnCount(); ++k) {
             const SeriesPtr& column = table.GetColumn(k);
-            columns.emplace_back(table.GetSlicedIterator(column), count, column->GetName());
+            columns.emplace_back(table.GetSlicedIterator(column), count, column->GetName(), streams);
         }
     }
     bool HasRoom() const
@@ -91,11 +102,7 @@ std::optional<DataFrame> RowsAt(const DataFrameRef& table, Rows rows)
     if (rows.empty() || !IsServed(table) || !Func::AreBelow(rows, table.RowCount())) {
         return std::nullopt;
     }
-    std::uint64_t rowBytes = 0;
-    for (unsigned int k = 0; k < table.ColumnCount(); ++k) {
-        rowBytes += CellSizeOf(table.GetColumn(k)->GetTypeId());
-    }
-    if (!HasRoomFor(rows.size(), rowBytes)) { // rows may be given again and again
+    if (!HasRoomFor(rows.size(), RowSizeOf(table))) { // rows may be given again and again
         return WithoutMemory("SelectRow");
     }
     ChosenRows chosen(table, static_cast<std::uint32_t>(rows.size()));

@@ -26,7 +26,7 @@ using BitWords::Word;
 using BitWords::WORD_BITS;
 
 constexpr std::uint32_t FEWEST_ROWS = 1U << 16; ///< of a table that is too large for the nearer caches
-constexpr std::uint32_t BLOCK = 2048;           ///< rows; of some ten columns, they are still in these when copied
+constexpr std::uint32_t BLOCK = 4096;           ///< rows; of some ten columns, they are still in these when copied
 constexpr std::uint32_t SAMPLES = 32;
 constexpr std::uint32_t SAMPLE = 512; ///< rows
 
@@ -108,7 +108,7 @@ private:
     std::array<Word, BLOCK / WORD_BITS> bits;
 };
 
-std::uint32_t CountOf(const Func::RowChoice& rows)
+TESSERA_WIDE_VECTORS std::uint32_t CountOf(const Func::RowChoice& rows)
 {
     int count = 0;
     for (const Word word : rows.bits) {

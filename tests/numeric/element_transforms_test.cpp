@@ -6,8 +6,8 @@
 #include <cmath>
 #include <optional>
 
-#include "tessera/core/key_hash.h"
 #include "tessera/core/numeric_cast.h"
+#include "tessera/core/text_key.h"
 #include "tessera/tessera.hpp"
 #include "tests/functors/pairing.h"
 #include "tests/support/log_capture.h"
@@ -219,13 +219,13 @@ TYPED_TEST(ElementTransforms, FindAsTheModelDoes)
     }
 }
 
-/// Two of many keys that have one hash.
-template <typename Make>
+/// Two of many keys that have one hash as a set of Key takes it.
+template <typename Key, typename Make>
 auto KeysThatMeet(Make make)
 {
     std::vector<std::pair<std::uint32_t, std::uint32_t>> hashes(1U << 18);
     for (std::uint32_t i = 0; i < hashes.size(); ++i) {
-        hashes[i] = {HashOf(make(i)), i};
+        hashes[i] = {HashOf(Key(make(i))), i};
     }
     std::sort(hashes.begin(), hashes.end());
     const auto pair = std::adjacent_find(
@@ -242,9 +242,10 @@ TEST(ElementTransforms, TellKeysApartWhoseHashesMeet)
         EXPECT_EQ(isIn.ProcessSeries(left->GetIterator(), right->GetIterator(), dst->GetIterator()).code, 0);
         EXPECT_THAT(CellsOf<bool>(dst->GetIterator()), ElementsAre(false));
     };
-    const auto numbers = KeysThatMeet([](std::uint32_t i) { return std::uint64_t{i} * 0x9E3779B97F4A7C15U; });
+    const auto numbers =
+        KeysThatMeet<std::uint64_t>([](std::uint32_t i) { return std::uint64_t{i} * 0x9E3779B97F4A7C15U; });
     expectNotIn(Column<std::uint64_t>("a", {numbers[0]}), Column<std::uint64_t>("b", {numbers[1]}));
-    const auto texts = KeysThatMeet([](std::uint32_t i) { return std::to_string(i); });
+    const auto texts = KeysThatMeet<TextKey>([](std::uint32_t i) { return std::to_string(i); });
     expectNotIn(Column<std::string>("a", {texts[0]}), Column<std::string>("b", {texts[1]}));
 }
 
