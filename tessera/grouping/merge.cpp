@@ -173,6 +173,7 @@ DataFrame DataFrame::MergeInternal(const DataFrame& right, MergeRows& leftOn, Me
     if (result.error.code == ERROR_NONE) {
         result.InsertMergeValue(*this, leftRows, length, leftOn, suffixes[0]);
     }
+    leftRows = MergeRows(); // its memory is there for the other side's columns
     if (result.error.code == ERROR_NONE) {
         result.InsertMergeValue(right, rightRows, length, rightOn, suffixes[1]);
     }
