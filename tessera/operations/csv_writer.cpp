@@ -131,13 +131,20 @@ constexpr auto CELL_APPENDERS = ForEachValueType([](auto number) -> AppendCell {
     }
 });
 
-constexpr std::uint32_t BLOCK_ROWS = 128; // whose texts fit the innermost cache
+/// How many rows' numbers are written before they go into the file: few of many columns, whose texts would fill caches.
+std::uint32_t BlockRowsOf(const DataFrameRef& table)
+{
+    constexpr std::size_t MOST_ROWS = 128;
+    constexpr std::size_t TEXTS = 4096; // in all columns
+    const std::size_t rows = std::clamp<std::size_t>(TEXTS / table.ColumnCount(), 1, MOST_ROWS);
+    return std::min(static_cast<std::uint32_t>(rows), table.RowCount());
+}
 
 /// A column in one of three forms: numbers with room for a block of texts, strings, or cells with a function.
 struct WrittenColumn {
-    WrittenColumn(Cursor opened, MERVO_TESSERA_TYPEID typeId)
+    WrittenColumn(Cursor opened, MERVO_TESSERA_TYPEID typeId, std::uint32_t blockRows)
         : cursor(std::move(opened)), write(NUMBER_WRITERS[static_cast<std::size_t>(typeId)]),
-          texts(write == nullptr ? 0 : BLOCK_ROWS),
+          texts(write == nullptr ? 0 : blockRows),
           strings(typeId == TESSERA_STRING ? PlaceOf<std::string>(cursor, 0) : nullptr),
           append(CELL_APPENDERS[static_cast<std::size_t>(typeId)])
     {
@@ -172,7 +179,7 @@ ErrorCode OpenColumns(const DataFrameRef& table, std::vector<WrittenColumn>& col
         if (cursor == nullptr) {
             return ERROR_OUT_OF_MEMORY;
         }
-        columns.emplace_back(std::move(cursor), column->GetTypeId());
+        columns.emplace_back(std::move(cursor), column->GetTypeId(), BlockRowsOf(table));
     }
     return ERROR_NONE;
 }
@@ -255,8 +262,9 @@ ErrorCode WriteTable(const DataFrameRef& table, std::string path, bool writeHead
         at = AppendHeader(sink, at, names, separator);
     }
     const std::uint32_t rows = table.RowCount();
+    const std::uint32_t blockRows = BlockRowsOf(table);
     for (std::uint32_t row = 0; row < rows && sink.IsHealthy();) {
-        const std::uint32_t count = std::min(BLOCK_ROWS, rows - row);
+        const std::uint32_t count = std::min(blockRows, rows - row);
         at = AppendRows(sink, at, columns, row, count, separator);
         row += count;
     }

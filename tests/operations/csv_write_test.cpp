@@ -100,6 +100,18 @@ TEST(CsvLargerThanTheBuffer, IsTheJoinedCast)
     }
 }
 
+// Of many columns only some rows, or one, are written at a time.
+TEST(CsvOfManyColumns, IsTheJoinedCast)
+{
+    const TemporaryFolder folder;
+    for (const auto& [rows, columns] : {std::pair(301U, 70U), std::pair(3U, 5000U)}) {
+        DataFrame table;
+        ASSERT_EQ(table.ReadVector(SampleValues<std::int32_t>(rows * columns), {rows, columns}), 0);
+        ASSERT_EQ(table.ToCSV(folder.Path("wide.csv"), false, ","), 0);
+        EXPECT_TRUE(folder.Read("wide.csv") == JoinedCast(table, false, ",")) << columns;
+    }
+}
+
 TEST(CsvWithoutRows, IsItsHeader)
 {
     const TemporaryFolder folder;
