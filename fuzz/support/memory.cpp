@@ -14,12 +14,14 @@ constexpr std::size_t MOST_FILLED = std::size_t{64} << 10; // more would take lo
 
 std::size_t liveBytes = 0;
 std::size_t limit = UNLIMITED;
+bool hasRunOut = false;
 int fill = 0xA5;
 
 void* Allocate(std::size_t bytes, std::size_t alignment = __STDCPP_DEFAULT_NEW_ALIGNMENT__) noexcept
 {
     void* block = nullptr;
     if (bytes > limit || liveBytes > limit - bytes || ::posix_memalign(&block, alignment, bytes) != 0) {
+        hasRunOut = true;
         return nullptr;
     }
     liveBytes += ::malloc_usable_size(block);
@@ -74,9 +76,15 @@ extern "C" const char* __ubsan_default_options() { return "print_stacktrace=1"; 
 
 namespace MERVO::Tessera::Fuzz {
 
-MemoryBudget::MemoryBudget(std::size_t bytes) { limit = liveBytes + bytes; }
+MemoryBudget::MemoryBudget(std::size_t bytes)
+{
+    limit = liveBytes + bytes;
+    hasRunOut = false;
+}
 
 MemoryBudget::~MemoryBudget() { limit = UNLIMITED; }
+
+bool MemoryBudget::HasRunOut() { return hasRunOut; }
 
 void FillFreshMemory(unsigned char byte) { fill = byte; }
 

@@ -12,6 +12,10 @@ public:
     MemoryBudget(const MemoryBudget&) = delete;
     MemoryBudget& operator=(const MemoryBudget&) = delete;
     ~MemoryBudget();
+
+    /// Whether something was refused under the last budget: of two equal operations one may have had less than the
+    /// other.
+    static bool HasRunOut();
 };
 
 /// Fills what operator new gives from now on with a byte, so that two runs differ if they read what nobody wrote.

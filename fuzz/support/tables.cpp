@@ -5,6 +5,7 @@
 #include <iostream>
 #include <set>
 
+#include "fuzz/support/memory.h"
 #include "fuzz/support/require.h"
 
 namespace MERVO::Tessera::Fuzz {
@@ -106,14 +107,14 @@ std::uint64_t DigestOf(const DataFrameRef& table)
 
 void RequireSame(const DataFrameRef& one, const DataFrameRef& other, const char* law)
 {
-    const bool isSame = DigestOf(one) == DigestOf(other);
+    const bool isSame = MemoryBudget::HasRunOut() || DigestOf(one) == DigestOf(other);
     Show(isSame, one, other);
     Require(isSame, law);
 }
 
 void RequireSameCells(const DataFrameRef& one, const DataFrameRef& other, const char* law)
 {
-    const bool isSame = CellDigestOf(one) == CellDigestOf(other);
+    const bool isSame = MemoryBudget::HasRunOut() || CellDigestOf(one) == CellDigestOf(other);
     Show(isSame, one, other);
     Require(isSame, law);
 }
