@@ -1,19 +1,8 @@
-#include "tessera/core/number_texts.h"
-#include "tessera/core/wide_digits.h"
-
-namespace MERVO::Tessera {
-namespace {
-
-template <typename T>
-void WriteEach(const T* values, std::size_t count, NumberText* texts)
-{
-    for (std::size_t i = 0; i < count; ++i) {
-        char* const first = texts[i].characters.data();
-        texts[i].size = static_cast<std::uint8_t>(WriteInteger(first, values[i]) - first);
-    }
-}
+#include "tessera/core/wide_number_texts.h"
 
 #ifdef TESSERA_WIDE_VECTOR_BYTES
+namespace MERVO::Tessera {
+namespace {
 
 constexpr std::size_t FOUR = TESSERA_WIDE_VECTOR_BYTES / sizeof(std::int64_t);
 constexpr std::size_t CHARACTERS = sizeof(NumberText);
@@ -94,38 +83,27 @@ TESSERA_WIDE_VECTORS [[gnu::always_inline]] inline void WriteFour(const std::int
 }
 
 template <typename T>
-TESSERA_WIDE_VECTORS void WriteFours(const T* values, std::size_t count, NumberText* texts)
+TESSERA_WIDE_VECTORS [[gnu::always_inline]] inline std::size_t WriteEachFour(
+    const T* values, std::size_t count, NumberText* texts)
 {
     std::size_t i = 0;
     for (; count - i >= FOUR; i += FOUR) {
         WriteFour(values + i, texts + i);
     }
-    WriteEach(values + i, count - i, texts + i);
+    return i;
 }
-
-template <typename T>
-void WriteAll(const T* values, std::size_t count, NumberText* texts)
-{
-    return HasWideVectors() ? WriteFours(values, count, texts) : WriteEach(values, count, texts);
-}
-#else
-template <typename T>
-void WriteAll(const T* values, std::size_t count, NumberText* texts)
-{
-    WriteEach(values, count, texts);
-}
-#endif
 
 } // namespace
 
-void WriteIntegers(const std::int32_t* values, std::size_t count, NumberText* texts) noexcept
+TESSERA_WIDE_VECTORS std::size_t WriteFours(const std::int32_t* values, std::size_t count, NumberText* texts)
 {
-    WriteAll(values, count, texts);
+    return WriteEachFour(values, count, texts);
 }
 
-void WriteIntegers(const std::uint32_t* values, std::size_t count, NumberText* texts) noexcept
+TESSERA_WIDE_VECTORS std::size_t WriteFours(const std::uint32_t* values, std::size_t count, NumberText* texts)
 {
-    WriteAll(values, count, texts);
+    return WriteEachFour(values, count, texts);
 }
 
 } // namespace MERVO::Tessera
+#endif

@@ -1,28 +1,13 @@
-#include "tessera/core/number_texts.h"
-
-#include "tessera/core/wide_digits.h"
+#include "tessera/core/wide_number_texts.h"
 
 #ifdef TESSERA_WIDE_VECTOR_BYTES
 #include <bit>
-#include <immintrin.h>
 
 #include "tessera/core/double_bits.h"
 #include "tessera/core/powers_of_ten.h"
-#endif
 
 namespace MERVO::Tessera {
 namespace {
-
-template <typename T>
-void WriteEach(const T* values, std::size_t count, NumberText* texts)
-{
-    for (std::size_t i = 0; i < count; ++i) {
-        char* const first = texts[i].characters.data();
-        texts[i].size = static_cast<std::uint8_t>(WriteScientific(first, static_cast<double>(values[i])) - first);
-    }
-}
-
-#ifdef TESSERA_WIDE_VECTOR_BYTES
 
 constexpr std::size_t FOUR = TESSERA_WIDE_VECTOR_BYTES / sizeof(double);
 
@@ -191,41 +176,31 @@ TESSERA_WIDE_VECTORS [[gnu::always_inline]] inline unsigned int WriteFour(__m256
 }
 
 template <typename T>
-TESSERA_WIDE_VECTORS void WriteFours(const T* values, std::size_t count, NumberText* texts)
+TESSERA_WIDE_VECTORS [[gnu::always_inline]] inline std::size_t WriteEachFour(
+    const T* values, std::size_t count, NumberText* texts)
 {
     std::size_t i = 0;
     for (; count - i >= FOUR; i += FOUR) {
         for (unsigned int rest = WriteFour(LoadFour(values + i), texts + i); rest != 0; rest &= rest - 1) {
             const std::size_t k = i + static_cast<std::size_t>(std::countr_zero(rest));
-            WriteEach(values + k, 1, texts + k);
+            char* const first = texts[k].characters.data();
+            texts[k].size = static_cast<std::uint8_t>(WriteScientific(first, double{values[k]}) - first);
         }
     }
-    WriteEach(values + i, count - i, texts + i);
+    return i;
 }
-
-template <typename T>
-void WriteAll(const T* values, std::size_t count, NumberText* texts)
-{
-    return HasWideVectors() ? WriteFours(values, count, texts) : WriteEach(values, count, texts);
-}
-#else
-template <typename T>
-void WriteAll(const T* values, std::size_t count, NumberText* texts)
-{
-    WriteEach(values, count, texts);
-}
-#endif
 
 } // namespace
 
-void WriteScientifics(const double* values, std::size_t count, NumberText* texts) noexcept
+TESSERA_WIDE_VECTORS std::size_t WriteFours(const double* values, std::size_t count, NumberText* texts)
 {
-    WriteAll(values, count, texts);
+    return WriteEachFour(values, count, texts);
 }
 
-void WriteScientifics(const float* values, std::size_t count, NumberText* texts) noexcept
+TESSERA_WIDE_VECTORS std::size_t WriteFours(const float* values, std::size_t count, NumberText* texts)
 {
-    WriteAll(values, count, texts);
+    return WriteEachFour(values, count, texts);
 }
 
 } // namespace MERVO::Tessera
+#endif

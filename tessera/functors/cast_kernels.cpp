@@ -148,7 +148,8 @@ void MakeByMany(const S* numbers, std::string*& next, const std::string* end)
         const std::size_t count = std::min(MANY, static_cast<std::size_t>(end - next));
         WriteNumberTexts<S>(numbers, static_cast<std::uint32_t>(count), written.data());
         for (std::size_t i = 0; i < count; ++i) {
-            MakeText(next++, written[i].characters.data(), written[i].size);
+            MakeText(next, written[i].characters.data(), written[i].size);
+            ++next; // one by one, as the next text may have no room
         }
         numbers += count;
     }
