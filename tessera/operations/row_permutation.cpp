@@ -1,11 +1,14 @@
 #include "tessera/operations/row_permutation.h"
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <type_traits>
 #include <utility>
 
+#include "tessera/core/block.h"
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
 #include "tessera/core/scattered.h"
@@ -23,6 +26,13 @@ bool IsShort(const std::string& text)
     static const bool areInline = std::string().capacity() >= Func::READ_AHEAD;
     return areInline && text.size() <= Func::READ_AHEAD;
 }
+
+/// A short text while it is on its way.
+struct Luggage {
+    std::array<char, Func::READ_AHEAD> characters;
+    std::uint8_t size;
+};
+static_assert(sizeof(Luggage) == 16);
 
 template <typename T>
 void MoveCell(T& to, T& from) noexcept
@@ -100,6 +110,30 @@ bool RowPermutation::KeepsAll() const { return std::is_sorted(positions.begin(),
 void RowPermutation::MoveInto(const Cursor& from, const Cursor& to) const noexcept
 {
     MOVERS[static_cast<std::size_t>(from->GetAttr().typeId)](from, positions, to);
+}
+
+bool RowPermutation::ReorderShortTexts(std::string* texts) const noexcept
+{
+    const Block<Luggage> moved = MakeBlock<Luggage>(positions.size());
+    if (moved == nullptr || std::string().capacity() < Func::READ_AHEAD) {
+        return false;
+    }
+    std::size_t longest = 0;
+    VisitScattered(
+        positions.size(), [texts, rows = positions](std::size_t i) { return texts + rows[i]; },
+        [to = moved.get(), &longest](std::size_t i, const std::string* text) {
+            longest = std::max(longest, text->size());
+            std::memcpy(to[i].characters.data(), text->data(), Func::READ_AHEAD);
+            to[i].size = static_cast<std::uint8_t>(text->size());
+        });
+    if (longest > Func::READ_AHEAD) {
+        return false;
+    }
+    for (std::size_t i = 0; i < positions.size(); ++i) {
+        std::destroy_at(texts + i);
+        Func::MakeText(texts + i, moved[i].characters.data(), moved[i].size);
+    }
+    return true;
 }
 
 void RowPermutation::MoveTexts(std::string* from, std::string* to) const noexcept

@@ -82,6 +82,10 @@ Error DataFrameRef::PermuteRows(const Positions& positions)
     }
     for (unsigned int k = 0; k < ColumnCount(); ++k) {
         // From here on nothing may fail: some columns have the new order already.
+        if (cursors[k]->GetAttr().typeId == TESSERA_STRING &&
+            rows.ReorderShortTexts(CursorAs<CONTAINER_ARRAY, std::string>(cursors[k]).mHead)) {
+            continue;
+        }
         SeriesPtr moved = isOwner ? MovedColumn(GetColumn(k), cursors[k], rows) : nullptr;
         if (moved == nullptr) {
             rows.ReorderInPlace(cursors[k]);
