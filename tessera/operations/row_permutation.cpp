@@ -34,6 +34,28 @@ struct Luggage {
 };
 static_assert(sizeof(Luggage) == 16);
 
+/// False if one is longer.
+bool PackShortTexts(const std::string* texts, Positions positions, Luggage* to)
+{
+    std::size_t longest = 0;
+    VisitScattered(
+        positions.size(), [texts, positions](std::size_t i) { return texts + positions[i]; },
+        [to, &longest](std::size_t i, const std::string* text) {
+            longest = std::max(longest, text->size());
+            std::memcpy(to[i].characters.data(), text->data(), Func::READ_AHEAD);
+            to[i].size = static_cast<std::uint8_t>(text->size());
+        });
+    return longest <= Func::READ_AHEAD;
+}
+
+void Unpack(std::span<const Luggage> luggage, std::string* texts)
+{
+    for (const Luggage& packed : luggage) {
+        std::destroy_at(texts);
+        Func::MakeText(texts++, packed.characters.data(), packed.size);
+    }
+}
+
 template <typename T>
 void MoveCell(T& to, T& from) noexcept
 {
@@ -114,25 +136,17 @@ void RowPermutation::MoveInto(const Cursor& from, const Cursor& to) const noexce
 
 bool RowPermutation::ReorderShortTexts(std::string* texts) const noexcept
 {
-    const Block<Luggage> moved = MakeBlock<Luggage>(positions.size());
-    if (moved == nullptr || std::string().capacity() < Func::READ_AHEAD) {
+    // Two blocks, each as large as a column of doubles: one may do for both after another.
+    const std::size_t half = positions.size() / 2;
+    const Block<Luggage> first = MakeBlock<Luggage>(half);
+    const Block<Luggage> second = MakeBlock<Luggage>(positions.size() - half);
+    if (first == nullptr || second == nullptr || std::string().capacity() < Func::READ_AHEAD ||
+        !PackShortTexts(texts, positions.first(half), first.get()) ||
+        !PackShortTexts(texts, positions.subspan(half), second.get())) {
         return false;
     }
-    std::size_t longest = 0;
-    VisitScattered(
-        positions.size(), [texts, rows = positions](std::size_t i) { return texts + rows[i]; },
-        [to = moved.get(), &longest](std::size_t i, const std::string* text) {
-            longest = std::max(longest, text->size());
-            std::memcpy(to[i].characters.data(), text->data(), Func::READ_AHEAD);
-            to[i].size = static_cast<std::uint8_t>(text->size());
-        });
-    if (longest > Func::READ_AHEAD) {
-        return false;
-    }
-    for (std::size_t i = 0; i < positions.size(); ++i) {
-        std::destroy_at(texts + i);
-        Func::MakeText(texts + i, moved[i].characters.data(), moved[i].size);
-    }
+    Unpack({first.get(), half}, texts);
+    Unpack({second.get(), positions.size() - half}, texts + half);
     return true;
 }
 
