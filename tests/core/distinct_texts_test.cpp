@@ -1,6 +1,7 @@
 #include "tessera/core/distinct_texts.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <numeric>
 #include <random>
@@ -86,19 +87,33 @@ TEST(DistinctTexts, TellTextsOfOneHashApart)
             }
         }
         ASSERT_EQ(pair.size(), 2U);
-        for (const std::uint32_t fillers : {0U, 1000U}) { // by keys, and by hashes that were keys or never were
-            std::vector<std::string> texts = pair;
-            for (std::uint32_t i = 0; i < fillers; ++i) {
-                texts.push_back("filler " + std::to_string(i));
-            }
+        constexpr std::array<std::array<int, 2>, 3> CASES{{{0, 0}, {1, 1000}, {1000, 1000}}};
+        for (const auto& [before, between] : CASES) { // which both, one, or none of the two meet as keys
+            std::vector<std::string> texts;
+            const auto addOthers = [&texts](int count) {
+                for (; count != 0; --count) {
+                    texts.push_back("another " + std::to_string(texts.size()));
+                }
+            };
+            addOthers(before);
+            texts.push_back(pair[0]);
+            addOthers(between);
             texts.insert(texts.end(), {pair[1], pair[0]});
-            for (int turns = 0; turns < 2; ++turns) {
-                DistinctTexts distinct(texts);
-                EXPECT_EQ(NumbersOf(distinct, texts), NumbersOfAMap(texts, Upward(texts.size()))) << pair[0];
-                std::rotate(texts.begin(), texts.begin() + 2, texts.end());
-            }
+            DistinctTexts distinct(texts);
+            EXPECT_EQ(NumbersOf(distinct, texts), NumbersOfAMap(texts, Upward(texts.size()))) << pair[0] << before;
         }
     }
+}
+
+TEST(DistinctTexts, TakeLittleMemoryWhereTheyAreMany)
+{
+    std::vector<std::string> texts;
+    for (std::uint32_t i = 0; i < MANY; ++i) {
+        texts.push_back(std::to_string(i));
+    }
+    const FailingAllocation failing(0, MANY * std::size_t{32}, Shortage::LASTING); // keys alone would take as much
+    DistinctTexts distinct(texts);
+    EXPECT_EQ(NumbersOf(distinct, texts), Upward(MANY));
 }
 
 TEST(DistinctTexts, StandWhereMemoryIsShort)
