@@ -23,7 +23,7 @@ namespace MERVO::Tessera {
  *
  * Where most texts come only a few times, as the size of the column shows, such slots would take up more than they
  * save: from then on slots of 8 bytes hold hashes and numbers, and a text is compared with the cell in which it came
- * first. Working set: at most 8 bytes for each cell, or 20 to 36 for each distinct text, and half as much again while
+ * first. Working set: at most 8 bytes for each cell, or 20 to 40 for each distinct text, and half as much again while
  * it grows.
  */
 class DistinctTexts {
