@@ -81,6 +81,16 @@ DataFrame MakeRecords(std::uint32_t rows, std::uint32_t groups, const std::vecto
     return DataFrame(std::move(columns));
 }
 
+DataFrame MakeRecordsOfSizes(std::uint32_t rows, std::uint32_t groups)
+{
+    DataFrame records = MakeRecords(rows, groups);
+    Func::ForEachElement<std::string>(records.GetColumn(2)->GetIterator(), [](std::string& cell) {
+        const std::string digits = cell.substr(cell.find_first_not_of("id0"));
+        cell = std::string(static_cast<std::size_t>(digits.back() - '0') % 9, 'x') + digits;
+    });
+    return records;
+}
+
 DataFrame MakeNumbers(std::uint32_t rows, std::uint32_t columnCount, std::uint32_t nanEvery, std::uint64_t seed)
 {
     Random random(seed);

@@ -17,6 +17,9 @@ namespace MERVO::Tessera::Bench {
  */
 DataFrame MakeRecords(std::uint32_t rows, std::uint32_t groups, const std::vector<std::string>& names = {});
 
+/// All records' columns, but the texts of id3 have 1 to 15 bytes.
+DataFrame MakeRecordsOfSizes(std::uint32_t rows, std::uint32_t groups);
+
 /// Columns of doubles below 100, in which every `nanEvery`-th cell or so is NaN; none for 0.
 DataFrame MakeNumbers(std::uint32_t rows, std::uint32_t columns, std::uint32_t nanEvery = 0, std::uint64_t seed = 2);
 

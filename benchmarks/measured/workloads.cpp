@@ -120,9 +120,11 @@ Operation SortBy(Size size)
     });
 }
 
-Operation AggregateBy(Size size, std::vector<std::uint32_t> keys, const UnaryFactory& make)
+Operation AggregateBy(DataFrame records, std::vector<std::uint32_t> keys, const UnaryFactory& make)
 {
-    return On(Records(size), [keys, make](const DataFrame& table) { return table.Aggregate(keys, {V1, V3}, make); });
+    return On(std::move(records), [keys, make](const DataFrame& table) {
+        return table.Aggregate(keys, {V1, V3}, make);
+    });
 }
 
 Operation GroupSorted(Size size)
@@ -224,11 +226,15 @@ constexpr Workload WORKLOADS[] = {
         [](Size size) { return Apply(Numbers(size), With<Replace>(50.0, 0.0)); }},
     {"round_f64", "4 columns of doubles", false, [](Size size) { return Apply(Numbers(size), With<Round>(2U)); }},
     {"diff_f64", "4 columns of doubles", false, [](Size size) { return Apply(Numbers(size), With<Diff>(1)); }},
-    {"group_sum_i32", "2 columns by 1", false, [](Size size) { return AggregateBy(size, {ID6}, With<Sum>()); }},
-    {"group_mean_str", "2 columns by 1", false, [](Size size) { return AggregateBy(size, {ID3}, With<Mean>()); }},
+    {"group_sum_i32", "2 columns by 1", false,
+        [](Size size) { return AggregateBy(Records(size), {ID6}, With<Sum>()); }},
+    {"group_mean_str", "2 columns by 1", false,
+        [](Size size) { return AggregateBy(Records(size), {ID3}, With<Mean>()); }},
+    {"group_mean_sizes", "2 columns by 1 of texts of several sizes", false,
+        [](Size size) { return AggregateBy(MakeRecordsOfSizes(size.rows, size.groups), {ID3}, With<Mean>()); }},
     {"group_std_two", "2 columns by 2", false,
         [](Size size) {
-            return AggregateBy(size, {ID4, ID5}, With<Std, std::uint32_t>(1U));
+            return AggregateBy(Records(size), {ID4, ID5}, With<Std, std::uint32_t>(1U));
         }},
     {"group_transform", "2 columns by 1", false,
         [](Size size) {

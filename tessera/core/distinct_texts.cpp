@@ -2,8 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <new>
-#include <string>
+#include <bit>
 
 namespace MERVO::Tessera {
 namespace {
@@ -18,6 +17,11 @@ void PrefetchLater(std::string_view text)
 
 } // namespace
 
+DistinctTexts::DistinctTexts(std::span<const std::string> column)
+    : texts(column), mostSlots(std::max(std::bit_floor(column.size() / TEXTS_PER_SLOT), FEW_SLOTS)), slots(FEWEST_SLOTS)
+{
+}
+
 DistinctTexts::Slot& DistinctTexts::FreeSlotFor(std::uint32_t hash)
 {
     std::size_t place = PlaceOf(hash);
@@ -29,9 +33,6 @@ DistinctTexts::Slot& DistinctTexts::FreeSlotFor(std::uint32_t hash)
 
 void DistinctTexts::Grow()
 {
-    if (shift == 0) {
-        throw std::bad_alloc();
-    }
     BlockVector<Slot> old(2 * slots.size());
     old.swap(slots);
     --shift;
@@ -42,7 +43,29 @@ void DistinctTexts::Grow()
     }
 }
 
-inline std::uint32_t DistinctTexts::NumberOf(const TextKey& key, std::uint32_t hash)
+void DistinctTexts::DropKeys()
+{
+    KeyNumbers numbers(Count() + BLOCK);
+    for (const std::uint32_t position : firstPositions) {
+        numbers.FindOrAdd(HashOf(TextKey(texts[position])), [](std::uint32_t) { return false; });
+    }
+    hashes = std::move(numbers);
+    slots = {};
+}
+
+[[gnu::noinline]] std::uint32_t DistinctTexts::Add(std::uint32_t hash, const std::string& text)
+{
+    const std::uint32_t number = Count();
+    if (number >= MostKeys(slots.size())) {
+        Grow();
+    }
+    firstPositions.push_back(PositionOf(text));
+    FreeSlotFor(hash) = Slot{TextKey(text), number};
+    return number;
+}
+
+[[gnu::always_inline]] inline std::uint32_t DistinctTexts::NumberOf(
+    const TextKey& key, std::uint32_t hash, const std::string& text)
 {
     for (std::size_t place = PlaceOf(hash);; place = (place + 1) & (slots.size() - 1)) {
         const Slot& slot = slots[place];
@@ -50,45 +73,108 @@ inline std::uint32_t DistinctTexts::NumberOf(const TextKey& key, std::uint32_t h
             return slot.number;
         }
         if (slot.number == FREE) {
-            break;
+            return Add(hash, text);
         }
     }
-    if (IsFull()) {
-        Grow();
-    }
-    FreeSlotFor(hash) = Slot{key, count};
-    return count++;
 }
 
-template <typename Text>
-void DistinctTexts::NumberAll(std::span<const Text> texts, std::uint32_t* textNumbers)
+template <typename TextAt>
+void DistinctTexts::NumberOneByOne(TextAt textAt, std::uint32_t count, std::uint32_t* textNumbers)
 {
-    if (slots.size() <= FEW_SLOTS) {
-        for (const Text& text : texts) {
-            PrefetchLater(text);
-            const TextKey key(text);
-            *textNumbers++ = NumberOf(key, HashOf(key));
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const std::string& text = textAt(i);
+        PrefetchLater(text);
+        const TextKey key(text);
+        textNumbers[i] = NumberOf(key, HashOf(key), text);
+    }
+}
+
+template <typename TextAt>
+void DistinctTexts::NumberByKeys(TextAt textAt, std::uint32_t count, KeyBlock& keys, std::uint32_t* textNumbers)
+{
+    std::array<std::uint32_t, BLOCK> keyHashes;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        PrefetchLater(textAt(i));
+        keys[i] = TextKey(textAt(i));
+        keyHashes[i] = HashOf(keys[i]);
+        __builtin_prefetch(slots.data() + PlaceOf(keyHashes[i]));
+    }
+    for (std::uint32_t i = 0; i < count; ++i) {
+        textNumbers[i] = NumberOf(keys[i], keyHashes[i], textAt(i));
+    }
+}
+
+/// Each step asks for the memory that the next one needs: the slots, where texts of those hashes were met, these texts.
+template <typename TextAt>
+void DistinctTexts::NumberByHashes(TextAt textAt, std::uint32_t count, std::uint32_t* textNumbers)
+{
+    if (firstPositions.capacity() - firstPositions.size() < count) {
+        firstPositions.reserve(std::min(2 * firstPositions.capacity() + count, texts.size()));
+    }
+    std::array<std::uint32_t, BLOCK> keyHashes;
+    std::array<std::uint32_t, BLOCK> likely;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        PrefetchLater(textAt(i));
+        keyHashes[i] = HashOf(TextKey(textAt(i)));
+        hashes.Prefetch(keyHashes[i]);
+    }
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const std::uint32_t number = hashes.LikelyNumber(keyHashes[i]);
+        likely[i] = number == KeyNumbers::NONE ? 0 : number;
+        __builtin_prefetch(firstPositions.data() + likely[i]);
+    }
+    for (std::uint32_t i = 0; i < count; ++i) {
+        __builtin_prefetch(texts.data() + firstPositions[likely[i]]);
+    }
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const std::string& text = textAt(i);
+        const auto isText = [&](std::uint32_t number) { return texts[firstPositions[number]] == text; };
+        if (isText(likely[i])) {
+            textNumbers[i] = likely[i];
+            continue;
         }
+        textNumbers[i] = hashes.FindOrAdd(keyHashes[i], isText);
+        if (textNumbers[i] == Count()) {
+            firstPositions.push_back(PositionOf(text));
+        }
+    }
+}
+
+template <typename TextAt>
+void DistinctTexts::NumberAll(TextAt textAt, std::uint32_t count, std::uint32_t* textNumbers)
+{
+    if (HasKeys() && slots.size() <= FEW_SLOTS && HasRoomForKeys(count)) {
+        NumberOneByOne(textAt, count, textNumbers);
         return;
     }
-    std::array<TextKey, 64> keys; // of a block of texts, whose slots are all asked for before one is needed
-    std::array<std::uint32_t, keys.size()> hashes;
-    while (!texts.empty()) {
-        const auto block = texts.first(std::min(texts.size(), keys.size()));
-        for (std::size_t i = 0; i < block.size(); ++i) {
-            PrefetchLater(block[i]);
-            keys[i] = TextKey(block[i]);
-            hashes[i] = HashOf(keys[i]);
-            __builtin_prefetch(slots.data() + PlaceOf(hashes[i]));
+    KeyBlock keys;
+    for (std::uint32_t first = 0; first < count; first += BLOCK) {
+        const std::uint32_t length = std::min(BLOCK, count - first);
+        const auto textInBlock = [=](std::uint32_t i) -> const std::string& { return textAt(first + i); };
+        if (HasKeys() && !HasRoomForKeys(length)) {
+            DropKeys();
         }
-        for (std::size_t i = 0; i < block.size(); ++i) {
-            *textNumbers++ = NumberOf(keys[i], hashes[i]);
+        if (!HasKeys()) {
+            NumberByHashes(textInBlock, length, textNumbers + first);
+        } else if (slots.size() <= FEW_SLOTS) {
+            NumberOneByOne(textInBlock, length, textNumbers + first);
+        } else {
+            NumberByKeys(textInBlock, length, keys, textNumbers + first);
         }
-        texts = texts.subspan(block.size());
     }
 }
 
-template void DistinctTexts::NumberAll(std::span<const std::string> texts, std::uint32_t* textNumbers);
-template void DistinctTexts::NumberAll(std::span<const std::string_view> texts, std::uint32_t* textNumbers);
+void DistinctTexts::Number(std::span<const std::uint32_t> positions, std::uint32_t* textNumbers)
+{
+    const auto textAt = [positions, cells = texts.data()](
+                            std::uint32_t i) -> const std::string& { return cells[positions[i]]; };
+    NumberAll(textAt, static_cast<std::uint32_t>(positions.size()), textNumbers);
+}
+
+void DistinctTexts::Number(std::uint32_t first, std::uint32_t count, std::uint32_t* textNumbers)
+{
+    const auto textAt = [cells = texts.data() + first](std::uint32_t i) -> const std::string& { return cells[i]; };
+    NumberAll(textAt, count, textNumbers);
+}
 
 } // namespace MERVO::Tessera

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "tessera/core/flat_call.h"
 #include "tessera/grouping/groups.h"
 #include "tessera/tessera.h"
 
@@ -11,6 +12,19 @@ struct ReleaseArray {
     void operator()(MERVO_TSR_GROUP_ARRAY* array) const { MERVO_TSR_ReleaseGroupArray(&array); }
 };
 using GroupArray = std::unique_ptr<MERVO_TSR_GROUP_ARRAY, ReleaseArray>;
+
+/// Runs the body of a flat call that gives a record to the host; null where memory has run out, even for a table that
+/// would say so.
+template <typename Body>
+MERVO_TSR_GROUP_ARRAY* GuardedArray(const char* call, Body&& body) noexcept
+{
+    GroupArray array;
+    static_cast<void>(Guarded(call, [&]() -> ErrorCode {
+        array = body();
+        return ERROR_NONE;
+    }));
+    return array.release();
+}
 
 /// A record with room for that many tables, for a host; null, and the reason in the log under the name of the flat
 /// call, for none or no memory.

@@ -16,7 +16,8 @@ MERVO_TSR_GROUP_ARRAY* MERVO_TSR_GroupBy(MERVO_TSR_CONTEXT* table, const uint32_
         LogError("[%s] Input is nullptr checking data frame", CALL);
         return nullptr;
     }
-    return TablesOf(CALL, table->dataFrame->GroupBy(keyCount, keys, true, false, true)).release();
+    return GuardedArray(
+        CALL, [&] { return TablesOf(CALL, table->dataFrame->GroupBy(keyCount, keys, true, false, true)); });
 }
 
 void MERVO_TSR_ReleaseGroupArray(MERVO_TSR_GROUP_ARRAY** array)

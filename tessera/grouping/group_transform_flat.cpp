@@ -51,13 +51,15 @@ MERVO_TSR_GROUP_ARRAY* MERVO_TSR_GroupBy_Transform(
         LogError("[%s] Input is nullptr after checking dataframe", CALL);
         return nullptr;
     }
-    DataFrame transformed = Func::GuardedTable(
-        CALL, [&] { return TransformBy(functor, table->dataFrame->GroupBy(keyCount, keys, true, false, true)); });
-    if (transformed.GetError().code != ERROR_NONE) {
-        LogError("[%s] Transform operation failed", CALL);
-        return nullptr;
-    }
-    GroupArray array = NewGroupArray(CALL, 1);
-    const bool isWhole = array != nullptr && PutTable(CALL, std::move(transformed), array->entries[0]);
-    return isWhole ? array.release() : nullptr;
+    return GuardedArray(CALL, [&]() -> GroupArray {
+        DataFrame transformed = Func::GuardedTable(
+            CALL, [&] { return TransformBy(functor, table->dataFrame->GroupBy(keyCount, keys, true, false, true)); });
+        if (transformed.GetError().code != ERROR_NONE) {
+            LogError("[%s] Transform operation failed", CALL);
+            return nullptr;
+        }
+        GroupArray array = NewGroupArray(CALL, 1);
+        const bool isWhole = array != nullptr && PutTable(CALL, std::move(transformed), array->entries[0]);
+        return isWhole ? std::move(array) : nullptr;
+    });
 }

@@ -13,6 +13,7 @@ MERVO_TSR_GROUP_ARRAY* MERVO_TSR_Resample(
         LogError("[%s] Input is nullptr", CALL);
         return nullptr;
     }
-    return TablesOf(CALL, table->dataFrame->Resample(timeColumn, DateTime(gapSeconds), labelLeft, closedLeft))
-        .release();
+    return GuardedArray(CALL, [&] {
+        return TablesOf(CALL, table->dataFrame->Resample(timeColumn, DateTime(gapSeconds), labelLeft, closedLeft));
+    });
 }

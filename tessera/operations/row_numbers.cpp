@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <numeric>
 
 namespace MERVO::Tessera {
 namespace {
@@ -46,7 +47,7 @@ void RowNumbers::MeasureTexts(Part& part, std::uint32_t rows)
         return;
     }
     part.bits = static_cast<unsigned int>(std::bit_width(rows));
-    part.textNumbers = std::make_unique<DistinctTexts>();
+    part.textNumbers = std::make_unique<DistinctTexts>(texts);
 }
 
 RowNumbers::RowNumbers(std::span<const Cursor> columns, Nan nanRule) : nan(nanRule)
@@ -89,18 +90,15 @@ std::uint32_t RowNumbers::Count() const
 
 void RowNumbers::NumberTexts(Part& part, const Rows& rows, std::uint32_t* numbers)
 {
-    if (rows.positions == nullptr && !rows.isDownward) {
-        part.textNumbers->Number(std::span(part.texts + rows.first, rows.count), numbers);
-        return;
+    if (rows.positions != nullptr) {
+        part.textNumbers->Number({rows.positions, rows.count}, numbers);
+    } else if (!rows.isDownward) {
+        part.textNumbers->Number(rows.first, rows.count, numbers);
+    } else {
+        std::array<std::uint32_t, BLOCK> positions;
+        std::iota(positions.rend() - rows.count, positions.rend(), rows.first);
+        part.textNumbers->Number({positions.data(), rows.count}, numbers);
     }
-    std::array<std::string_view, BLOCK> texts;
-    for (std::uint32_t i = 0; i < rows.count; ++i) {
-        texts[i] = part.texts[rows.positions == nullptr ? rows.first + i : rows.positions[i]];
-    }
-    if (rows.isDownward) {
-        std::reverse(texts.begin(), texts.begin() + rows.count);
-    }
-    part.textNumbers->Number({texts.data(), rows.count}, numbers);
 }
 
 void RowNumbers::ReadNumbers(Part& part, const Rows& rows, std::uint64_t* keys)

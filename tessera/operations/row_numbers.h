@@ -19,7 +19,7 @@ namespace MERVO::Tessera {
  *
  * A row's cells are packed into a key of 64 bits, each with as many bits as its column's range needs. Texts that can't
  * be read as numbers, and what would not fit, are numbered first. Working set: for each distinct row, and each value
- * numbered first, some 32 bytes, for a text 64 to 256; or 4 bytes per row where the keys are few.
+ * numbered first, some 32 bytes, where texts come often up to 8 per row; or 4 bytes per row where the keys are few.
  */
 class RowNumbers {
 public:

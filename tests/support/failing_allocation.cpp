@@ -12,9 +12,8 @@ namespace {
 
 using MERVO::Tessera::Shortage;
 
-constexpr unsigned int NEVER = 0xFFFFFFFFU;
-
-unsigned int sparedAllocations = NEVER;
+bool isWatching = false;
+unsigned int sparedAllocations = 0;
 std::size_t smallestCounted = 0;
 Shortage shortage = Shortage::PASSING;
 bool hasFailed = false;
@@ -22,10 +21,13 @@ std::atomic<std::size_t> blocksInUse = 0;
 
 bool IsToFail(std::size_t bytes)
 {
-    if (sparedAllocations == NEVER || bytes < smallestCounted || (hasFailed && shortage == Shortage::PASSING)) {
+    if (!isWatching || bytes < smallestCounted) {
         return false;
     }
-    hasFailed = hasFailed || sparedAllocations-- == 0;
+    if (hasFailed) {
+        return shortage == Shortage::LASTING;
+    }
+    hasFailed = sparedAllocations-- == 0;
     return hasFailed;
 }
 
@@ -66,9 +68,10 @@ FailingAllocation::FailingAllocation(unsigned int spared, std::size_t fromBytes,
     smallestCounted = fromBytes;
     shortage = shortageKind;
     sparedAllocations = spared;
+    isWatching = true;
 }
 
-FailingAllocation::~FailingAllocation() { sparedAllocations = NEVER; }
+FailingAllocation::~FailingAllocation() { isWatching = false; }
 
 bool FailingAllocation::HasFailed() { return hasFailed; }
 
