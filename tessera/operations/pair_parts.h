@@ -9,7 +9,8 @@ namespace MERVO::Tessera {
 
 /**
  * Pairs of key and position as for SortPairs, cut into parts by the leading digit of their keys: parts follow each
- * other in the order of that digit, and those of one part keep theirs.
+ * other in the order of that digit, and those of one part keep theirs. Of a digit that many have, as most floating
+ * numbers have one of few exponents, further bits are taken.
  *
  * A part is small enough for the caches, so that sorting one after the other is faster than all at once; and it takes
  * no second room for all pairs. They are cut in a few chunks, each one moved into the place of the one before, and a
@@ -21,7 +22,7 @@ public:
     static std::size_t LeastSpare(std::size_t count) { return (count + CHUNKS - 1) / CHUNKS; }
 
     /**
-     * Cuts at least one pair. Working set: a counter for each value of the digit in each chunk.
+     * Cuts at least one pair. Working set: a counter for each part in each chunk, and 8 bytes for each digit.
      * @param all   has room for `spare` pairs in front, and is no place of theirs any more.
      * @param spare LeastSpare(count) or more.
      */
@@ -32,10 +33,10 @@ public:
     bool AreCut() const { return ends != nullptr; }
     /// All pairs, those of one part in their order.
     std::uint64_t* All() const { return moved; }
-    /// Those bits of the keys that pairs of one part can differ in.
-    unsigned int RestBits() const { return restBits; }
 
-    std::uint32_t Count() const { return values; }
+    std::uint32_t Count() const { return partCount; }
+    /// How many of the lowest bits of their keys pairs of a part can differ in.
+    unsigned int RestBits(std::uint32_t part) const;
     std::uint32_t SizeOf(std::uint32_t part) const;
 
     /// Finds room for the largest part, twice; false where that takes too much, but parts can be visited.
@@ -48,15 +49,29 @@ public:
 private:
     static constexpr std::uint32_t CHUNKS = 12;
 
+    /// Where the parts of a digit begin, and by how much the rest of a pair is shifted to tell them apart.
+    struct Digit {
+        std::uint32_t firstPart;
+        std::uint32_t shift;
+    };
+
     std::uint32_t EndOf(std::uint32_t chunk, std::uint32_t part) const
     {
-        return ends[std::size_t{chunk} * values + part];
+        return ends[std::size_t{chunk} * partCount + part];
     }
     std::uint32_t BeginOf(std::uint32_t chunk, std::uint32_t part) const
     {
         return part == 0 ? 0 : EndOf(chunk, part - 1);
     }
-    void Cut(const std::uint64_t* from, std::uint32_t size, std::uint64_t* to, std::uint32_t* places) const;
+    /// Finds a pair's digit; a copy of what that takes, which nothing that is written can touch.
+    auto DigitOf() const
+    {
+        return [shift = lowestBit, mask = digitCount - 1](
+                   std::uint64_t pair) { return static_cast<std::uint32_t>(pair >> shift) & mask; };
+    }
+    void DivideDigits(const std::uint64_t* all);
+    template <typename PartOf>
+    void Cut(const std::uint64_t* all, PartOf partOf);
 
     std::uint64_t* moved;
     std::uint32_t count;
@@ -64,7 +79,10 @@ private:
     std::uint32_t chunkSize;
     unsigned int restBits;
     unsigned int lowestBit; ///< of the digit
-    std::uint32_t values;   ///< that the digit can have
+    std::uint32_t digitCount;
+    Block<Digit> digits;
+    bool areDivided = false;
+    std::uint32_t partCount = 0;
     Block<std::uint32_t> ends;
     std::uint32_t largest = 0;
     std::uint64_t* room = nullptr;

@@ -274,7 +274,7 @@ void StableOrder::OrderInParts(Positions positions, Rooms rooms, unsigned int ke
             continue;
         }
         parts.Gather(part);
-        OrderPairs(own, {parts.FirstRoom(), parts.SecondRoom(), 0}, parts.RestBits(), level);
+        OrderPairs(own, {parts.FirstRoom(), parts.SecondRoom(), 0}, parts.RestBits(part), level);
         if (flags != nullptr && own.data() != firstPosition) {
             Mark(own.front());
         }
