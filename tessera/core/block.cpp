@@ -84,13 +84,17 @@ void* AllocateBlock(std::size_t count, std::size_t elementSize) noexcept
     if (__builtin_mul_overflow(count, elementSize, &bytes)) {
         return nullptr;
     }
-    void* const kept = bytes < SMALLEST_KEPT_BLOCK ? nullptr : keptBlocks.Take(bytes);
-    if (kept != nullptr) {
-        return kept;
+    const bool isLarge = bytes >= SMALLEST_KEPT_BLOCK;
+    void* block = isLarge ? keptBlocks.Take(bytes) : nullptr;
+    if (block != nullptr) {
+        return block;
     }
-    void* const block = AllocateFresh(bytes);
+    block = AllocateFresh(bytes);
     if (block == nullptr && keptBlocks.ReleaseAll()) {
-        return AllocateFresh(bytes);
+        block = AllocateFresh(bytes);
+    }
+    if (block == nullptr && isLarge) {
+        keptBlocks.CountOut(bytes);
     }
     return block;
 }

@@ -64,9 +64,16 @@ void* KeptBlocks::Take(std::size_t bytes) noexcept
         }
     }
     if (best == nullptr) {
+        inUse += bytes;
+        mostInUse = std::max(mostInUse, inUse);
+        while (count != 0 && inUse + total > mostInUse + mostInUse / 16) {
+            ReleaseOldest();
+        }
         return nullptr;
     }
     void* const block = best->block;
+    inUse += best->bytes;
+    mostInUse = std::max(mostInUse, inUse);
     Remove(static_cast<std::size_t>(best - entries.data()));
     return block;
 }
@@ -74,11 +81,9 @@ void* KeptBlocks::Take(std::size_t bytes) noexcept
 bool KeptBlocks::Keep(void* block, std::size_t bytes) noexcept
 {
     const std::size_t most = MostKept();
-    if (bytes > most / 2) {
-        return false;
-    }
     const std::lock_guard lock(mutex);
-    if (isClosed) {
+    inUse -= bytes;
+    if (bytes > most / 2 || isClosed) {
         return false;
     }
     while (count == entries.size() || (count != 0 && total > most - bytes)) {
@@ -92,6 +97,12 @@ bool KeptBlocks::Keep(void* block, std::size_t bytes) noexcept
         offered += oldest.bytes;
     }
     return true;
+}
+
+void KeptBlocks::CountOut(std::size_t bytes) noexcept
+{
+    const std::lock_guard lock(mutex);
+    inUse -= bytes;
 }
 
 bool KeptBlocks::ReleaseAll() noexcept

@@ -18,6 +18,9 @@ inline constexpr std::size_t MOST_UNOFFERED_BYTES = std::size_t{sizeof(void*) ==
  * Large blocks that were given back, for the columns that come next: memory that was used before costs no page faults.
  * They go before the library runs out of memory, and when it is unloaded. Any thread may take and keep.
  *
+ * With them the library never takes up more than a sixteenth above the most that was in use at a time: the oldest ones
+ * go before a fresh block would make it more. So an operation needs no more memory for what another one left.
+ *
  * Of all but those used last the system is told that it may take their pages back whenever it runs short (MADV_FREE),
  * so nobody goes without memory for their sake. On a device of 32 bits that is said of all; elsewhere it would cost
  * short operations more time than it is worth.
@@ -27,10 +30,14 @@ public:
     constexpr KeptBlocks() = default;
     ~KeptBlocks();
 
-    /// A block of at least so many bytes, and not many more; null where none is kept.
+    /// A block of at least so many bytes, and not many more. Null where none is kept: then there is room for a fresh
+    /// one, which counts as being in use from here on.
     void* Take(std::size_t bytes) noexcept;
-    /// Keeps a block, and lets the oldest ones go where they would be too many. False if it is too large to be kept.
+    /// Keeps a block that was in use, and lets the oldest ones go where they would be too many. False if it is too
+    /// large to be kept: then it counts no longer.
     bool Keep(void* block, std::size_t bytes) noexcept;
+    /// Tells that there is no fresh block in spite of the room.
+    void CountOut(std::size_t bytes) noexcept;
     /// False where there was nothing to release.
     bool ReleaseAll() noexcept;
 
@@ -46,6 +53,8 @@ private:
     std::array<Entry, 64> entries; ///< the oldest first
     std::size_t count = 0;
     std::size_t total = 0;
+    std::size_t inUse = 0;        ///< bytes of large blocks that are not here
+    std::size_t mostInUse = 0;    ///< of all times
     std::size_t offeredCount = 0; ///< so many of the oldest have been offered to the system
     std::size_t offered = 0;      ///< their bytes
     bool isClosed = false;        ///< columns of the host may outlive what is static here

@@ -1,11 +1,14 @@
 #include "tessera/operations/row_permutation.h"
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <type_traits>
 #include <utility>
 
+#include "tessera/core/block.h"
 #include "tessera/core/data_frame.h"
 #include "tessera/core/date_time.h"
 #include "tessera/core/scattered.h"
@@ -22,6 +25,35 @@ bool IsShort(const std::string& text)
 {
     static const bool areInline = std::string().capacity() >= Func::READ_AHEAD;
     return areInline && text.size() <= Func::READ_AHEAD;
+}
+
+/// A short text while it is on its way.
+struct Luggage {
+    std::array<char, Func::READ_AHEAD> characters;
+    std::uint8_t size;
+};
+static_assert(sizeof(Luggage) == 16);
+
+/// False if one is longer.
+bool PackShortTexts(const std::string* texts, Positions positions, Luggage* to)
+{
+    std::size_t longest = 0;
+    VisitScattered(
+        positions.size(), [texts, positions](std::size_t i) { return texts + positions[i]; },
+        [to, &longest](std::size_t i, const std::string* text) {
+            longest = std::max(longest, text->size());
+            std::memcpy(to[i].characters.data(), text->data(), Func::READ_AHEAD);
+            to[i].size = static_cast<std::uint8_t>(text->size());
+        });
+    return longest <= Func::READ_AHEAD;
+}
+
+void Unpack(std::span<const Luggage> luggage, std::string* texts)
+{
+    for (const Luggage& packed : luggage) {
+        std::destroy_at(texts);
+        Func::MakeText(texts++, packed.characters.data(), packed.size);
+    }
 }
 
 template <typename T>
@@ -100,6 +132,22 @@ bool RowPermutation::KeepsAll() const { return std::is_sorted(positions.begin(),
 void RowPermutation::MoveInto(const Cursor& from, const Cursor& to) const noexcept
 {
     MOVERS[static_cast<std::size_t>(from->GetAttr().typeId)](from, positions, to);
+}
+
+bool RowPermutation::ReorderShortTexts(std::string* texts) const noexcept
+{
+    // Two blocks, each as large as a column of doubles: one may do for both after another.
+    const std::size_t half = positions.size() / 2;
+    const Block<Luggage> first = MakeBlock<Luggage>(half);
+    const Block<Luggage> second = MakeBlock<Luggage>(positions.size() - half);
+    if (first == nullptr || second == nullptr || std::string().capacity() < Func::READ_AHEAD ||
+        !PackShortTexts(texts, positions.first(half), first.get()) ||
+        !PackShortTexts(texts, positions.subspan(half), second.get())) {
+        return false;
+    }
+    Unpack({first.get(), half}, texts);
+    Unpack({second.get(), positions.size() - half}, texts + half);
+    return true;
 }
 
 void RowPermutation::MoveTexts(std::string* from, std::string* to) const noexcept

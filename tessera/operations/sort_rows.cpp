@@ -32,6 +32,12 @@ std::vector<Cursor> CursorsOnArrays(const DataFrameRef& table)
     return cursors;
 }
 
+bool AreReorderedShortTexts(const Cursor& cells, const RowPermutation& rows)
+{
+    return cells->GetAttr().typeId == TESSERA_STRING &&
+        rows.ReorderShortTexts(CursorAs<CONTAINER_ARRAY, std::string>(cells).mHead);
+}
+
 SeriesPtr MovedTexts(const SeriesPtr& column, const Cursor& cells, const RowPermutation& rows)
 {
     if (!CanForgetTexts(*column)) {
@@ -82,6 +88,9 @@ Error DataFrameRef::PermuteRows(const Positions& positions)
     }
     for (unsigned int k = 0; k < ColumnCount(); ++k) {
         // From here on nothing may fail: some columns have the new order already.
+        if (AreReorderedShortTexts(cursors[k], rows)) {
+            continue;
+        }
         SeriesPtr moved = isOwner ? MovedColumn(GetColumn(k), cursors[k], rows) : nullptr;
         if (moved == nullptr) {
             rows.ReorderInPlace(cursors[k]);

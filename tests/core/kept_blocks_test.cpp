@@ -17,7 +17,11 @@ constexpr std::size_t LARGE = std::size_t{1} << 20;
 
 class KeptBlocksOf : public testing::Test {
 protected:
-    KeptBlocksOf() { keptBlocks.ReleaseAll(); }
+    KeptBlocksOf()
+    {
+        FreeBlock(AllocateBlock(8 * LARGE, 1)); // as so much was in use, that much may be kept
+        keptBlocks.ReleaseAll();
+    }
     ~KeptBlocksOf() override { keptBlocks.ReleaseAll(); }
 };
 
@@ -61,12 +65,33 @@ TEST_F(KeptBlocksOf, StayBelowTheirBounds)
         taken.push_back(block);
         kept += LARGE;
     }
+    keptBlocks.CountOut(LARGE);
     EXPECT_LE(kept, MOST_KEPT_BYTES);
     ASSERT_GE(taken.size(), 2U);
     EXPECT_EQ(taken.front(), blocks.back()) << "what was used last is warmest";
     for (void* block : taken) {
         FreeBlock(block);
     }
+}
+
+TEST_F(KeptBlocksOf, LeaveRoomForFreshOnes)
+{
+    constexpr std::size_t LARGER = 2 * LARGE;
+    KeptBlocks blocks; // which has seen nothing in use
+    const auto get = [&blocks](std::size_t bytes) {
+        void* const block = blocks.Take(bytes);
+        return block != nullptr ? block : AllocateBlock(bytes, 1);
+    };
+    ASSERT_TRUE(blocks.Keep(get(LARGER), LARGER));
+    void* const fresh = get(LARGE);
+    EXPECT_FALSE(blocks.ReleaseAll()) << "together they are more than was ever in use";
+    void* const beside = get(LARGER);
+    ASSERT_TRUE(blocks.Keep(fresh, LARGE));
+    ASSERT_TRUE(blocks.Keep(beside, LARGER));
+    EXPECT_EQ(get(LARGER), beside) << "once both were in use at a time";
+    EXPECT_EQ(get(LARGE), fresh);
+    FreeBlock(fresh);
+    FreeBlock(beside);
 }
 
 TEST_F(KeptBlocksOf, GoBeforeMemoryRunsOut)
