@@ -5,7 +5,6 @@
 #include <bit>
 
 #include "tessera/core/block.h"
-#include "tessera/core/kept_blocks.h"
 #include "tessera/operations/key_prefix.h"
 #include "tessera/operations/merge_sort.h"
 #include "tessera/operations/pair_parts.h"
@@ -382,8 +381,8 @@ void OrderStably(const SortKeys& keys, bool ascending, std::span<std::uint32_t> 
     } else {
         order.Order(positions, 0, {block.get() + inFront, isInParts ? nullptr : block.get() + count, inFront}, 0);
     }
-    if (room == SortRoom::SCARCE && block != nullptr) {
-        ReleaseBlock(block.release()); // kept for later it would stand in the way of what comes next
+    if (room == SortRoom::SCARCE) {
+        DropBlock(block.release()); // kept for later, it would take up room beside what comes next
     }
 }
 
