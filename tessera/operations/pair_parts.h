@@ -23,7 +23,7 @@ public:
 
     /**
      * Cuts at least one pair. Working set: a counter for each part in each chunk, and 8 bytes for each digit.
-     * @param all   has room for `spare` pairs in front, and is no place of theirs any more.
+     * @param all   has room for `spare` pairs in front; pairs move there, and the last places become free.
      * @param spare LeastSpare(count) or more.
      */
     PairParts(
@@ -31,7 +31,7 @@ public:
 
     /// False where there was no room for the counters; then nothing has been moved.
     bool AreCut() const { return ends != nullptr; }
-    /// All pairs, those of one part in their order.
+    /// All pairs, those with equal keys still in their order.
     std::uint64_t* All() const { return moved; }
 
     std::uint32_t Count() const { return partCount; }
@@ -39,7 +39,7 @@ public:
     unsigned int RestBits(std::uint32_t part) const;
     std::uint32_t SizeOf(std::uint32_t part) const;
 
-    /// Finds room for the largest part, twice; false where that takes too much, but parts can be visited.
+    /// Finds room for the largest part, twice; false where that takes too much.
     bool MakeRoom();
     std::uint64_t* FirstRoom() const { return room; }
     std::uint64_t* SecondRoom() const { return room + largest; }
