@@ -8,7 +8,7 @@ cd "$(dirname "$0")/.."
 
 readonly POINTS=build/growth.txt DOCS=docs/benchmarks
 readonly OPERATIONS=(read_csv sort_i32 sort_str group_sum_i32 group_mean_str group_mean_sizes group_sorted
-    merge_inner_i32 merge_records rolling_mean)
+    merge_inner_i32 merge_inner_far merge_records rolling_mean)
 readonly GROUPINGS=(group_sum_i32 group_mean_str group_mean_sizes group_transform group_sorted)
 
 scripts/setup.sh --bench

@@ -17,6 +17,7 @@ namespace MERVO::Tessera::Bench {
 namespace {
 
 constexpr std::uint32_t FEW = 100; // values of the small keys
+constexpr std::uint32_t FAR = 97;  // between keys: too many numbers for a place for each
 
 template <typename T, typename MakeCell>
 SeriesPtr MakeColumn(const std::string& name, std::uint32_t rows, MakeCell makeCell)
@@ -115,17 +116,18 @@ std::vector<std::uint32_t> MakePermutation(std::uint32_t rows)
     return positions;
 }
 
-DataFrame MakeSide(std::uint32_t rows, std::uint32_t firstKey, bool isText, std::uint32_t recordGroups)
+DataFrame MakeSide(std::uint32_t rows, std::uint32_t firstKey, SideKey form, std::uint32_t recordGroups)
 {
+    const std::uint32_t step = form == SideKey::FAR ? FAR : 1;
     Random random(4);
     const std::vector<std::uint32_t> positions = MakePermutation(rows);
     auto position = positions.begin();
     DataFrame::Columns columns;
-    if (isText) {
+    if (form == SideKey::TEXT) {
         columns.push_back(MakeColumn<std::string>("key", rows, [&] { return Text("k", 9, firstKey + *position++); }));
     } else {
-        columns.push_back(
-            MakeColumn<std::int32_t>("key", rows, [&] { return static_cast<std::int32_t>(firstKey + *position++); }));
+        columns.push_back(MakeColumn<std::int32_t>(
+            "key", rows, [&] { return static_cast<std::int32_t>((firstKey + *position++) * step); }));
     }
     columns.push_back(MakeColumn<double>("value", rows, [&] { return Millionths(random); }));
     if (recordGroups != 0) {

@@ -23,9 +23,12 @@ DataFrame MakeRecordsOfSizes(std::uint32_t rows, std::uint32_t groups);
 /// Columns of doubles below 100, in which every `nanEvery`-th cell or so is NaN; none for 0.
 DataFrame MakeNumbers(std::uint32_t rows, std::uint32_t columns, std::uint32_t nanEvery = 0, std::uint64_t seed = 2);
 
-/// A key, int32 or a text of 9 bytes, that has each of `rows` values from the first one on, in no order; a double;
-/// and the columns of records with so many groups, none for 0.
-DataFrame MakeSide(std::uint32_t rows, std::uint32_t firstKey, bool isText, std::uint32_t recordGroups = 0);
+/// What a key of a side is: an int32, one that is far from the next, or a text of 9 bytes.
+enum class SideKey : std::uint8_t { NEAR, FAR, TEXT };
+
+/// A key that has each of `rows` values from the first one on, in no order; a double; and the columns of records with
+/// so many groups, none for 0.
+DataFrame MakeSide(std::uint32_t rows, std::uint32_t firstKey, SideKey form, std::uint32_t recordGroups = 0);
 
 /// Stamps within a week, in no order, and two columns of doubles.
 DataFrame MakeTimes(std::uint32_t rows);

@@ -93,11 +93,11 @@ Operation WriteCsv(Size size)
 }
 
 /// Both sides of a merge share nine tenths of their keys.
-template <bool IS_TEXT, MERVO_TESSERA_MERGE_JOINTYPE TYPE>
+template <SideKey KEY, MERVO_TESSERA_MERGE_JOINTYPE TYPE>
 Operation MergeSides(Size size)
 {
-    auto right = std::make_shared<DataFrame>(MakeSide(size.rows, size.rows / 10, IS_TEXT));
-    return On(MakeSide(size.rows, 0, IS_TEXT), [right](const DataFrame& left) {
+    auto right = std::make_shared<DataFrame>(MakeSide(size.rows, size.rows / 10, KEY));
+    return On(MakeSide(size.rows, 0, KEY), [right](const DataFrame& left) {
         return left.Merge(*right, {0}, {0}, TYPE, {"_x", "_y"});
     });
 }
@@ -105,8 +105,8 @@ Operation MergeSides(Size size)
 /// The same with the nine columns of records behind the double, on either side.
 Operation MergeRecords(Size size)
 {
-    auto right = std::make_shared<DataFrame>(MakeSide(size.rows, size.rows / 10, false, size.groups));
-    return On(MakeSide(size.rows, 0, false, size.groups), [right](const DataFrame& left) {
+    auto right = std::make_shared<DataFrame>(MakeSide(size.rows, size.rows / 10, SideKey::NEAR, size.groups));
+    return On(MakeSide(size.rows, 0, SideKey::NEAR, size.groups), [right](const DataFrame& left) {
         return left.Merge(*right, {0}, {0}, TESSERA_JOIN_INNER, {"_x", "_y"});
     });
 }
@@ -243,9 +243,11 @@ constexpr Workload WORKLOADS[] = {
             });
         }},
     {"group_sorted", "2 columns by 1, sorted in place", false, &GroupSorted},
-    {"merge_inner_i32", "2 tables of a key and a double", false, &MergeSides<false, TESSERA_JOIN_INNER>},
-    {"merge_outer_i32", "2 tables of a key and a double", false, &MergeSides<false, TESSERA_JOIN_OUTER>},
-    {"merge_inner_str", "2 tables of a key and a double", false, &MergeSides<true, TESSERA_JOIN_INNER>},
+    {"merge_inner_i32", "2 tables of a key and a double", false, &MergeSides<SideKey::NEAR, TESSERA_JOIN_INNER>},
+    {"merge_outer_i32", "2 tables of a key and a double", false, &MergeSides<SideKey::NEAR, TESSERA_JOIN_OUTER>},
+    {"merge_inner_str", "2 tables of a key and a double", false, &MergeSides<SideKey::TEXT, TESSERA_JOIN_INNER>},
+    {"merge_inner_far", "2 tables of a key and a double, keys far apart", false,
+        &MergeSides<SideKey::FAR, TESSERA_JOIN_INNER>},
     {"merge_records", "2 tables of a key and 10 columns", false, &MergeRecords},
     {"pivot_mean", "1 column by 2", false,
         [](Size size) {

@@ -110,4 +110,16 @@ void FreeBlock(void* block) noexcept
     }
 }
 
+void DropBlock(void* block) noexcept
+{
+    if (block == nullptr) {
+        return;
+    }
+    const std::size_t bytes = HeaderOf(block).bytes;
+    if (bytes >= SMALLEST_KEPT_BLOCK) {
+        keptBlocks.CountOut(bytes);
+    }
+    ReleaseBlock(block);
+}
+
 } // namespace MERVO::Tessera

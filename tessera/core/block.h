@@ -18,6 +18,8 @@ namespace MERVO::Tessera {
  */
 void* AllocateBlock(std::size_t count, std::size_t elementSize) noexcept;
 void FreeBlock(void* block) noexcept;
+/// Gives a block back to the system at once, when it is larger than what comes next can use.
+void DropBlock(void* block) noexcept;
 
 struct BlockRelease {
     void operator()(void* block) const noexcept { FreeBlock(block); }

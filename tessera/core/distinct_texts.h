@@ -23,7 +23,7 @@ namespace MERVO::Tessera {
  *
  * Where most texts come only a few times, as the size of the column shows, such slots would take up more than they
  * save: from then on slots of 8 bytes hold hashes and numbers, and a text is compared with the cell in which it came
- * first. Working set: at most 8 bytes for each cell, or 20 to 40 for each distinct text, and half as much again while
+ * first. Working set: at most 16 bytes for each cell, or 20 to 40 for each distinct text, and half as much again while
  * it grows.
  */
 class DistinctTexts {
@@ -44,7 +44,7 @@ private:
     static constexpr std::size_t FEWEST_SLOTS = 16;
     static constexpr std::size_t FEW_SLOTS = 1024;   ///< which are in the first-level cache
     static constexpr std::size_t MANY_SLOTS = 16384; ///< which hardly fit into the second-level one
-    static constexpr std::size_t TEXTS_PER_SLOT = 4; ///< which the column has at least, while slots hold keys
+    static constexpr std::size_t TEXTS_PER_SLOT = 2; ///< which the column has at least, while slots hold keys
     static constexpr std::uint32_t BLOCK = 64;       ///< of texts whose slots are all asked for before one is needed
     using KeyBlock = std::array<TextKey, BLOCK>;
 

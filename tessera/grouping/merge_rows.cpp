@@ -63,6 +63,25 @@ bool MakeRoomFor(std::uint64_t length, std::uint64_t cellBytes, Rows& leftRows, 
     return true;
 }
 
+/// Calls visit(run) for each run of sorted rows, of which the first is flagged. What runs there are is found again each
+/// time: a list of them would take more room than rows and flags.
+template <typename Visit>
+void ForEachRun(const Rows& index, const std::vector<std::uint8_t>& flags, std::uint32_t leftCount, Visit visit)
+{
+    for (std::uint32_t place = 0; place < index.size();) {
+        DataFrame::MergeIndex run{0, 0, 0, 0};
+        do {
+            if (index[place] < leftCount) {
+                run.leftBegin = run.leftCount++ == 0 ? place : run.leftBegin;
+            } else {
+                run.rightBegin = run.rightCount++ == 0 ? place : run.rightBegin;
+            }
+            ++place;
+        } while (place < index.size() && flags[place] == 0);
+        visit(run);
+    }
+}
+
 } // namespace
 
 Rows DataFrame::SortAndGetKey(
@@ -74,9 +93,9 @@ Rows DataFrame::SortAndGetKey(
     for (std::size_t k = 0; k < leftOn.size(); ++k) {
         std::unique_ptr<SortKeys> keys = KeysOf(RowsOf(*this, leftOn[k]), RowsOf(right, rightOn[k]));
         if (k + 1 == leftOn.size() && !keys->MayHaveNan()) {
-            OrderStably(*keys, false, index, flags);
+            OrderStably(*keys, false, index, flags, SortRoom::SCARCE);
         } else {
-            OrderStably(*keys, false, index);
+            OrderStably(*keys, false, index, {}, SortRoom::SCARCE);
             unmarked.push_back(std::move(keys));
         }
     }
@@ -86,39 +105,19 @@ Rows DataFrame::SortAndGetKey(
     return index;
 }
 
-void DataFrame::CalculateMergeIndex(
-    const std::vector<std::uint8_t>& flags, const MergeRows& index, std::vector<MergeIndex>& result) const
-{
-    const std::uint32_t leftCount = RowCount();
-    result.reserve(std::accumulate(flags.begin(), flags.end(), std::size_t{0}));
-    for (std::uint32_t place = 0; place < index.size(); ++place) {
-        if (flags[place] != 0) {
-            result.push_back({0, 0, 0, 0});
-        }
-        MergeIndex& run = result.back();
-        if (index[place] < leftCount) {
-            run.leftBegin = run.leftCount == 0 ? place : run.leftBegin;
-            ++run.leftCount;
-        } else {
-            run.rightBegin = run.rightCount == 0 ? place : run.rightBegin;
-            ++run.rightCount;
-        }
-    }
-}
-
 std::uint64_t DataFrame::GetMergedSeriesLength(
-    const std::vector<MergeIndex>& merge, MERVO_TESSERA_MERGE_JOINTYPE type) const
+    const MergeRows& index, const std::vector<std::uint8_t>& flags, MERVO_TESSERA_MERGE_JOINTYPE type) const
 {
     std::uint64_t length = 0; // at most all pairs and all single rows, which 64 bits can hold
-    for (const MergeIndex& run : merge) {
+    ForEachRun(index, flags, RowCount(), [type, &length](const MergeIndex& run) {
         length += std::uint64_t{run.leftCount} * run.rightCount;
         length += run.leftCount == 0 && KeepsRight(type) ? run.rightCount : 0;
         length += run.rightCount == 0 && KeepsLeft(type) ? run.leftCount : 0;
-    }
+    });
     return length;
 }
 
-void DataFrame::GetLeftRightMergeIndex(const std::vector<MergeIndex>& merge, const MergeRows& index,
+void DataFrame::GetLeftRightMergeIndex(const MergeRows& index, const std::vector<std::uint8_t>& flags,
     MERVO_TESSERA_MERGE_JOINTYPE type, MergeRows& left, MergeRows& right) const
 {
     // Keys within the tolerance stand in the order of their values, so that a run's rows of both sides can be mixed.
@@ -135,7 +134,7 @@ void DataFrame::GetLeftRightMergeIndex(const std::vector<MergeIndex>& merge, con
     };
     std::uint32_t* toLeft = left.data();
     std::uint32_t* toRight = right.data();
-    for (const MergeIndex& run : merge) {
+    ForEachRun(index, flags, leftCount, [&](const MergeIndex& run) {
         std::uint32_t leftPlace = run.leftBegin;
         std::uint32_t rightPlace = run.rightBegin;
         if (run.leftCount != 0 && run.rightCount != 0) {
@@ -152,7 +151,7 @@ void DataFrame::GetLeftRightMergeIndex(const std::vector<MergeIndex>& merge, con
             toLeft = std::fill_n(toLeft, run.rightCount, Func::NO_ROW);
             toRight = std::generate_n(toRight, run.rightCount, [&] { return nextRight(rightPlace); });
         }
-    }
+    });
 }
 
 Error DataFrame::PairMergeRows(const DataFrame& right, const MergeRows& leftOn, const MergeRows& rightOn,
@@ -176,18 +175,13 @@ Error DataFrame::PairMergeRows(const DataFrame& right, const MergeRows& leftOn, 
         pairs->Write(leftRows, rightRows);
         return {};
     }
-    std::vector<MergeIndex> merge;
-    MergeRows index;
-    {
-        std::vector<std::uint8_t> flags(static_cast<std::size_t>(count));
-        flags.front() = 1;
-        index = SortAndGetKey(right, leftOn, rightOn, flags);
-        CalculateMergeIndex(flags, index, merge);
-    }
-    if (!MakeRoomFor(GetMergedSeriesLength(merge, type), cellBytes, leftRows, rightRows)) {
+    std::vector<std::uint8_t> flags(static_cast<std::size_t>(count));
+    flags.front() = 1;
+    const MergeRows index = SortAndGetKey(right, leftOn, rightOn, flags);
+    if (!MakeRoomFor(GetMergedSeriesLength(index, flags, type), cellBytes, leftRows, rightRows)) {
         return TooManyRows();
     }
-    GetLeftRightMergeIndex(merge, index, type, leftRows, rightRows);
+    GetLeftRightMergeIndex(index, flags, type, leftRows, rightRows);
     return {};
 }
 

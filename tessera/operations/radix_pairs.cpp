@@ -8,21 +8,16 @@
 namespace MERVO::Tessera {
 namespace {
 
-constexpr unsigned int WIDE_DIGIT = 11;
-constexpr unsigned int NARROW_DIGIT = 8;
-constexpr unsigned int PASSES_IN_WIDE = (MOST_KEY_BITS + WIDE_DIGIT - 1) / WIDE_DIGIT;
+constexpr unsigned int PASSES_IN_WIDE = (MOST_KEY_BITS + WIDEST_DIGIT - 1) / WIDEST_DIGIT;
 constexpr unsigned int PASSES_IN_NARROW = (MOST_KEY_BITS + NARROW_DIGIT - 1) / NARROW_DIGIT;
-constexpr std::size_t COUNTERS = std::size_t{PASSES_IN_WIDE} << WIDE_DIGIT;
+constexpr std::size_t COUNTERS = std::size_t{PASSES_IN_WIDE} << WIDEST_DIGIT;
 static_assert(std::size_t{PASSES_IN_NARROW} << NARROW_DIGIT <= COUNTERS);
-
-/// From so many pairs on, the fewer passes of wide digits pay for clearing and adding up more counters.
-constexpr std::uint32_t MANY_PAIRS = 4096;
 
 /// How keys are cut into digits, all of one width.
 struct Digits {
     Digits(std::uint32_t pairCount, unsigned int positionBits, unsigned int keyBits) : lowest(positionBits)
     {
-        const unsigned int widest = pairCount < MANY_PAIRS ? NARROW_DIGIT : WIDE_DIGIT;
+        const unsigned int widest = pairCount < MANY_PAIRS ? NARROW_DIGIT : WIDEST_DIGIT;
         passes = (keyBits + widest - 1) / widest;
         width = passes == 0 ? 0 : (keyBits + passes - 1) / passes;
         values = 1U << width;
@@ -47,7 +42,7 @@ public:
         std::fill_n(counters.begin(), std::size_t{digits.passes} * digits.values, 0U);
         constexpr std::array<void (DigitCounters::*)(const std::uint64_t*), PASSES_IN_NARROW + 1> COUNTS{
             &DigitCounters::Count<0>, &DigitCounters::Count<1>, &DigitCounters::Count<2>, &DigitCounters::Count<3>,
-            &DigitCounters::Count<4>, &DigitCounters::Count<5>};
+            &DigitCounters::Count<4>};
         (this->*COUNTS[digits.passes])(pairs);
     }
 

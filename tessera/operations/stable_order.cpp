@@ -7,6 +7,7 @@
 #include "tessera/core/block.h"
 #include "tessera/operations/key_prefix.h"
 #include "tessera/operations/merge_sort.h"
+#include "tessera/operations/pair_parts.h"
 #include "tessera/operations/radix_pairs.h"
 
 namespace MERVO::Tessera {
@@ -23,18 +24,41 @@ constexpr unsigned int DEEPEST = 64;
 /// How many prefixes are made at a time, so that they stay in the cache meanwhile.
 constexpr std::size_t BLOCK = 512;
 
-/// Two rooms for a word per position, one behind the other for all positions.
+/// From so many positions on, sorting part by part is faster.
+constexpr std::size_t MANY = std::size_t{1} << 19;
+/// From so many on, it takes no more than half as long again, and saves room that is worth it.
+constexpr std::size_t SOME = std::size_t{1} << 13;
+
+/// Room for a word per position, and a second one, or else less room in front of the first.
 struct Rooms {
     std::uint64_t* first;
-    std::uint64_t* second;
-    Rooms From(std::size_t place) const { return {first + place, second + place}; }
+    std::uint64_t* second; ///< null without one
+    std::size_t inFront;   ///< words in front of the first one, where that is all
+
+    /// The rooms of `count` positions from a place on, once those before need theirs no more.
+    Rooms From(std::size_t place, std::size_t count) const
+    {
+        if (second != nullptr) {
+            return {first + place, second + place, 0};
+        }
+        return {first + place, inFront + place < count ? nullptr : first - inFront, inFront + place};
+    }
+};
+
+/// How far a sort has come when keys have been read, and what these leave open.
+struct Level {
+    std::size_t offset; ///< of the keys
+    unsigned int depth;
+    bool isWhole;   ///< prefixes tell all keys apart
+    bool anyGoesOn; ///< behind its key
 };
 
 /// One sort on its way.
 class StableOrder {
 public:
-    StableOrder(const SortKeys& sortKeys, bool ascending, Positions allPositions, std::uint8_t* changeFlags)
-        : keys(sortKeys), flip(ascending ? 0 : ~std::uint64_t{0}),
+    StableOrder(const SortKeys& sortKeys, bool ascending, Positions allPositions, std::uint8_t* changeFlags,
+        Block<std::uint64_t>& block)
+        : keys(sortKeys), words(block), flip(ascending ? 0 : ~std::uint64_t{0}),
           positionBits(
               static_cast<unsigned int>(std::bit_width(*std::max_element(allPositions.begin(), allPositions.end())))),
           firstPosition(allPositions.data()), flags(changeFlags)
@@ -49,7 +73,9 @@ private:
     void OrderFew(Positions positions, std::size_t offset, Rooms rooms, unsigned int depth) const;
     void OrderByRadix(
         Positions positions, std::size_t offset, Rooms rooms, const KeyRange& range, unsigned int depth) const;
-    void OrderWithNan(Positions positions, std::uint64_t* words) const;
+    void OrderInParts(Positions positions, Rooms rooms, unsigned int keyBits, const Level& level) const;
+    void OrderPairs(Positions positions, Rooms rooms, unsigned int keyBits, const Level& level) const;
+    void OrderWithNan(Positions positions) const;
     template <typename IsSame, typename HasMore>
     void OrderEqualOnes(
         Positions positions, std::size_t offset, Rooms rooms, unsigned int depth, IsSame isSame, HasMore hasMore) const;
@@ -59,6 +85,10 @@ private:
     std::size_t SkippedBytes(Positions positions) const;
     std::size_t SharedBytesOf(std::span<const std::uint64_t> read, const KeyRange& range) const;
     bool IsBefore(std::uint32_t left, std::uint32_t right) const;
+    std::uint32_t PositionOf(std::uint64_t pair) const
+    {
+        return static_cast<std::uint32_t>(pair & ((std::uint64_t{1} << positionBits) - 1));
+    }
     /// Notes that the element at a position differs from that before.
     void Mark(const std::uint32_t& position) const { flags[&position - firstPosition] = 1; }
     void ReadKeys(std::span<const std::uint32_t> positions, std::size_t offset, std::uint64_t* to) const
@@ -77,7 +107,8 @@ private:
     }
 
     const SortKeys& keys;
-    std::uint64_t flip; ///< turns the order of keys round
+    Block<std::uint64_t>& words; ///< all rooms
+    std::uint64_t flip;          ///< turns the order of keys round
     unsigned int positionBits;
     const std::uint32_t* firstPosition;
     std::uint8_t* flags; ///< null where nobody asks
@@ -129,7 +160,7 @@ void StableOrder::Order(Positions positions, std::size_t offset, Rooms rooms, un
         range = KeyRange(read);
     }
     if (IsNan(range.lowest) || IsNan(range.highest)) {
-        OrderWithNan(positions, rooms.first);
+        OrderWithNan(positions);
     } else if (range.lowest == range.highest) {
         if (GoesOn(range.lowest)) {
             Order(positions, keys.SharedBytes(positions, offset), rooms, depth + 1);
@@ -155,7 +186,7 @@ void StableOrder::OrderEqualOnes(
             Mark(positions[begin]);
         }
         if (end - begin > 1 && hasMore(begin)) {
-            Order(positions.subspan(begin, end - begin), offset, rooms.From(begin), depth + 1);
+            Order(positions.subspan(begin, end - begin), offset, rooms.From(begin, end - begin), depth + 1);
         }
     }
 }
@@ -198,48 +229,103 @@ void StableOrder::OrderByRadix(
     Positions positions, std::size_t offset, Rooms rooms, const KeyRange& range, unsigned int depth) const
 {
     const std::span<const std::uint64_t> read(rooms.first, positions.size());
-    const bool anyGoesOn = keys.AreOfTexts() && AnyGoesOn(read);
     const KeyPrefix prefix(range, std::min(MOST_KEY_BITS, 64 - positionBits));
+    const Level level{offset, depth, prefix.IsWhole(), keys.AreOfTexts() && AnyGoesOn(read)};
+    const bool isInParts = rooms.second == nullptr;
+    std::uint64_t* const pairs = isInParts ? rooms.first : rooms.second;
     for (std::size_t begin = 0; begin < positions.size(); begin += BLOCK) {
         const std::size_t count = std::min(BLOCK, positions.size() - begin);
-        prefix.Write(read.subspan(begin, count), positionBits, rooms.second + begin);
-        for (std::size_t i = begin; i < begin + count; ++i) {
-            rooms.second[i] |= positions[i];
+        std::array<std::uint64_t, BLOCK> block; // pairs may take the place of their keys
+        prefix.Write(read.subspan(begin, count), positionBits, block.data());
+        for (std::size_t i = 0; i < count; ++i) {
+            pairs[begin + i] = block[i] | positions[begin + i];
         }
     }
+    if (isInParts) {
+        OrderInParts(positions, rooms, prefix.Bits(), level);
+    } else {
+        OrderPairs(positions, {rooms.second, rooms.first, 0}, prefix.Bits(), level);
+    }
+}
+
+/// Sorts the pairs in the first room part by part; in a second room where too many are of one part.
+void StableOrder::OrderInParts(Positions positions, Rooms rooms, unsigned int keyBits, const Level& level) const
+{
     const auto count = static_cast<std::uint32_t>(positions.size());
-    if (prefix.IsWhole() && !anyGoesOn && flags == nullptr) {
-        SortPairs(rooms.second, rooms.first, count, positionBits, prefix.Bits(), positions.data());
+    if (count >= MANY_PAIRS && keyBits <= WIDEST_DIGIT && !level.anyGoesOn) {
+        SortPairs(rooms.first, nullptr, count, positionBits, keyBits, positions.data());
+        if (flags != nullptr) {
+            keys.MarkChanges(positions, flags + (positions.data() - firstPosition));
+        }
         return;
     }
-    const std::uint64_t* const sorted = SortPairs(rooms.second, rooms.first, count, positionBits, prefix.Bits());
-    const std::uint64_t positionMask = (std::uint64_t{1} << positionBits) - 1;
+    PairParts parts(rooms.first, count, rooms.inFront, positionBits, keyBits);
+    if (!parts.AreCut() || !parts.MakeRoom()) {
+        const Block<std::uint64_t> second = MakeBlock<std::uint64_t>(count);
+        second == nullptr ? OrderByComparison(positions)
+                          : OrderPairs(positions, {parts.All(), second.get(), 0}, keyBits, level);
+        return;
+    }
+    for (std::uint32_t part = 0; part < parts.Count(); ++part) {
+        const Positions own = positions.first(parts.SizeOf(part));
+        positions = positions.subspan(own.size());
+        if (own.empty()) {
+            continue;
+        }
+        parts.Gather(part);
+        OrderPairs(own, {parts.FirstRoom(), parts.SecondRoom(), 0}, parts.RestBits(part), level);
+        if (flags != nullptr && own.data() != firstPosition) {
+            Mark(own.front());
+        }
+    }
+}
+
+/// Sorts the pairs in the first room.
+void StableOrder::OrderPairs(Positions positions, Rooms rooms, unsigned int keyBits, const Level& level) const
+{
+    const auto count = static_cast<std::uint32_t>(positions.size());
+    if (level.isWhole && !level.anyGoesOn && flags == nullptr) {
+        SortPairs(rooms.first, rooms.second, count, positionBits, keyBits, positions.data());
+        return;
+    }
+    const std::uint64_t* const sorted = SortPairs(rooms.first, rooms.second, count, positionBits, keyBits);
     for (std::size_t i = 0; i < positions.size(); ++i) {
-        positions[i] = static_cast<std::uint32_t>(sorted[i] & positionMask);
+        positions[i] = PositionOf(sorted[i]);
     }
     const auto isSamePrefix = [&](std::size_t left, std::size_t right) {
         return (sorted[left] ^ sorted[right]) >> positionBits == 0;
     };
-    if (!prefix.IsWhole()) {
-        OrderEqualOnes(positions, offset, rooms, depth, isSamePrefix, [](std::size_t) { return true; });
+    if (!level.isWhole) {
+        OrderEqualOnes(positions, level.offset, rooms, level.depth, isSamePrefix, [](std::size_t) { return true; });
     } else {
-        OrderEqualOnes(positions, offset + SortKeys::BYTES, rooms, depth, isSamePrefix, [&](std::size_t place) {
-            std::uint64_t key = 0;
-            return anyGoesOn && (keys.Read(positions.subspan(place, 1), offset, &key), keys.GoesOn(key));
-        });
+        OrderEqualOnes(
+            positions, level.offset + SortKeys::BYTES, rooms, level.depth, isSamePrefix, [&](std::size_t place) {
+                std::uint64_t key = 0;
+                return level.anyGoesOn &&
+                    (keys.Read(positions.subspan(place, 1), level.offset, &key), keys.GoesOn(key));
+            });
     }
 }
 
-/// Sorts pairs of key and position, which makes the same comparisons as sorting the elements themselves.
-void StableOrder::OrderWithNan(Positions positions, std::uint64_t* words) const
+/// Sorts pairs of key and position, which makes the same comparisons as sorting the elements themselves. NaN is seen
+/// before anything is sorted, so that all rooms are free.
+void StableOrder::OrderWithNan(Positions positions) const
 {
     struct Pair {
         std::uint64_t key;
         std::uint64_t position;
     };
-    auto* const pairs = reinterpret_cast<Pair*>(words);
+    words.reset();
+    words = MakeBlock<std::uint64_t>(2 * positions.size());
+    if (words == nullptr) {
+        OrderByComparison(positions);
+        return;
+    }
+    std::uint64_t* const read = words.get();
+    ReadKeys(positions, 0, read);
+    auto* const pairs = reinterpret_cast<Pair*>(read);
     for (std::size_t i = positions.size(); i-- != 0;) {
-        const std::uint64_t key = words[i]; // a pair lies over keys that have had their turn
+        const std::uint64_t key = read[i]; // a pair lies over keys that have had their turn
         new (pairs + i) Pair{key, positions[i]};
     }
     const auto isLess = [this](const Pair& left, const Pair& right) { return IsLess(left.key, right.key); };
@@ -279,24 +365,25 @@ void StableOrder::OrderByComparison(Positions positions) const
 
 } // namespace
 
-void OrderStably(
-    const SortKeys& keys, bool ascending, std::span<std::uint32_t> positions, std::span<std::uint8_t> flags)
+void OrderStably(const SortKeys& keys, bool ascending, std::span<std::uint32_t> positions,
+    std::span<std::uint8_t> flags, SortRoom room)
 {
-    if (positions.size() < 2) {
+    const std::size_t count = positions.size();
+    if (count < 2) {
         return;
     }
-    const StableOrder order(keys, ascending, positions, flags.data());
-    const Block<std::uint64_t> block = MakeBlock<std::uint64_t>(2 * positions.size());
+    const bool isInParts = count >= (room == SortRoom::SCARCE ? SOME : MANY);
+    const std::size_t inFront = isInParts ? PairParts::LeastSpare(count) : 0;
+    Block<std::uint64_t> block = MakeBlock<std::uint64_t>(isInParts ? inFront + count : 2 * count);
+    const StableOrder order(keys, ascending, positions, flags.data(), block);
     if (block == nullptr) {
         order.OrderByComparison(positions);
     } else {
-        order.Order(positions, 0, {block.get(), block.get() + positions.size()}, 0);
+        order.Order(positions, 0, {block.get() + inFront, isInParts ? nullptr : block.get() + count, inFront}, 0);
     }
-}
-
-void OrderStably(const SortKeys& keys, bool ascending, std::span<std::uint32_t> positions)
-{
-    OrderStably(keys, ascending, positions, {});
+    if (room == SortRoom::SCARCE) {
+        DropBlock(block.release()); // kept for later, it would take up room beside what comes next
+    }
 }
 
 } // namespace MERVO::Tessera

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <numeric>
+#include <set>
 
+#include "tessera/operations/stable_order.h"
 #include "tests/functors/pairing.h"
 #include "tests/support/failing_allocation.h"
 #include "tests/support/handle.h"
@@ -173,6 +175,98 @@ TYPED_TEST(OrderOf, IsThatOfTheStandardStableSort)
                 }
             }
         }
+    }
+}
+
+/// Sorts in little room, with flags where keys can have them, and without.
+template <typename T>
+void ExpectOrder(const std::vector<T>& cells, const Positions& unsorted, bool ascending)
+{
+    const SeriesPtr column = Column<T>("column", cells);
+    const std::unique_ptr<SortKeys> keys = KeysOf(column->GetIterator());
+    const Positions expected = Sorted(cells, unsorted, ascending);
+    std::vector<std::uint8_t> flags(keys->MayHaveNan() ? 0 : cells.size());
+    Positions positions = unsorted;
+    OrderStably(*keys, ascending, positions, flags, SortRoom::SCARCE);
+    ASSERT_EQ(positions, expected);
+    for (std::size_t i = 1; i < flags.size(); ++i) {
+        ASSERT_EQ(flags[i], cells[expected[i]] != cells[expected[i - 1]] ? 1 : 0) << i;
+    }
+    positions = unsorted;
+    OrderStably(*keys, ascending, positions, {}, SortRoom::SCARCE);
+    ASSERT_EQ(positions, expected);
+}
+
+constexpr std::uint32_t MANY = 9001; // enough to be sorted in parts, and of no even share for each
+
+TYPED_TEST(OrderOf, IsTheSameInLittleRoom)
+{
+    using T = TypeParam;
+    for (std::uint32_t kind = 0; kind < KINDS; ++kind) {
+        const std::vector<T> cells = CellsOfKind<T>(this->random, kind, MANY);
+        for (const bool ascending : {true, false}) {
+            SCOPED_TRACE(testing::Message() << "kind " << kind << ", ascending " << ascending);
+            ExpectOrder(cells, RandomPositions(this->random, ascending, MANY), ascending);
+        }
+    }
+}
+
+/// Cells of which parts are too large, empty, divided once more, or sorted by what follows from a later byte on.
+template <typename MakeCell>
+auto UnevenCells(MakeCell makeCell)
+{
+    Random random(23);
+    std::vector<decltype(makeCell(random, 0U))> cells;
+    for (std::uint32_t i = 0; i < MANY; ++i) {
+        cells.push_back(makeCell(random, i));
+    }
+    return cells;
+}
+
+std::int64_t HalfTheSame(Random& random, std::uint32_t)
+{
+    return random.Below(2) == 0 ? -5 : static_cast<std::int64_t>(random.Next());
+}
+
+double OfFewMagnitudes(Random& random, std::uint32_t)
+{
+    return (static_cast<double>(random.Below(2000000)) - 1000000) * 0.37; // and 0, far from all others
+}
+
+std::string InLargeRuns(Random& random, std::uint32_t i)
+{
+    return std::string(9, static_cast<char>('a' + i / 4000)) + std::to_string(random.Below(2000));
+}
+
+TEST(OrderInLittleRoom, HoldsForUnevenKeys)
+{
+    Positions unsorted(MANY);
+    std::iota(unsorted.begin(), unsorted.end(), 0U);
+    for (const bool ascending : {true, false}) {
+        ExpectOrder(UnevenCells(&HalfTheSame), unsorted, ascending);
+        ExpectOrder(UnevenCells(&OfFewMagnitudes), unsorted, ascending);
+        ExpectOrder(UnevenCells(&InLargeRuns), unsorted, ascending);
+    }
+}
+
+TEST(OrderInLittleRoom, HoldsWithoutMemory)
+{
+    const auto cells = UnevenCells(&HalfTheSame);
+    const SeriesPtr column = Column<std::int64_t>("column", cells);
+    const std::unique_ptr<SortKeys> keys = KeysOf(column->GetIterator());
+    Positions unsorted(MANY);
+    std::iota(unsorted.begin(), unsorted.end(), 0U);
+    const Positions expected = Sorted(cells, unsorted, true);
+    for (AllocationRounds rounds; rounds.Next();) {
+        Positions positions = unsorted;
+        std::vector<std::uint8_t> flags(MANY);
+        {
+            const FailingAllocation failing(rounds.Spared());
+            OrderStably(*keys, true, positions, flags, SortRoom::SCARCE);
+        }
+        ASSERT_EQ(positions, expected) << "after " << rounds.Spared();
+        const auto values = std::set<std::int64_t>(cells.begin(), cells.end()).size();
+        ASSERT_EQ(std::count(flags.begin(), flags.end(), 1), static_cast<std::ptrdiff_t>(values - 1));
     }
 }
 
