@@ -470,11 +470,15 @@ private:
     /// key the most significant one. Flags where a key differs from that of the row before. Throws std::bad_alloc.
     MergeRows SortAndGetKey(const DataFrame& right, const MergeRows& leftOn, const MergeRows& rightOn,
         std::vector<std::uint8_t>& flags) const;
-    /// How many rows the result has; a flag is set for the first row of a run.
-    std::uint64_t GetMergedSeriesLength(
-        const MergeRows& index, const std::vector<std::uint8_t>& flags, MERVO_TESSERA_MERGE_JOINTYPE type) const;
-    /// Writes the row of each side, or NO_ROW, for each row of the result; the vectors are as long as that.
-    void GetLeftRightMergeIndex(const MergeRows& index, const std::vector<std::uint8_t>& flags,
+    // What follows takes rows in that order piece by piece, each of whole runs: the runs of all rows at once would take
+    // more room than the rows.
+    /// Counts the rows of each run, and appends it; a flag is set for the first row of a run.
+    void CalculateMergeIndex(
+        const std::vector<std::uint8_t>& flags, const MergeRows& index, std::vector<MergeIndex>& result) const;
+    /// How many rows of the result runs make.
+    std::uint64_t GetMergedSeriesLength(const std::vector<MergeIndex>& merge, MERVO_TESSERA_MERGE_JOINTYPE type) const;
+    /// Appends the row of each side, or NO_ROW, for each of these rows; `index` is the one that the runs lie in.
+    void GetLeftRightMergeIndex(const std::vector<MergeIndex>& merge, const MergeRows& index,
         MERVO_TESSERA_MERGE_JOINTYPE type, MergeRows& left, MergeRows& right) const;
     /// Append columns to a result; a failure is stored in it.
     void InsertMergeKey(const DataFrame& left, const DataFrame& right, const BinaryFactory& fillKeyFactory,

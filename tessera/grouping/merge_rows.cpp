@@ -51,34 +51,34 @@ std::optional<RowPairs> PairsByNumber(
     return pairs.HasRoom() ? std::optional(std::move(pairs)) : std::nullopt;
 }
 
-/// Gives both lists of rows so many elements; false, with a message, where so many rows of the result have no room.
+/// Reserves so many elements in both lists of rows; false, with a message, where so many rows of the result have no
+/// room.
 bool MakeRoomFor(std::uint64_t length, std::uint64_t cellBytes, Rows& leftRows, Rows& rightRows)
 {
     if (length > MOST_ROWS || !HasRoomFor(length, 2 * sizeof(std::uint32_t) + cellBytes)) {
         LogError("Can't build a merged table of %llu rows", static_cast<unsigned long long>(length));
         return false;
     }
-    leftRows.resize(static_cast<std::size_t>(length));
-    rightRows.resize(static_cast<std::size_t>(length));
+    leftRows.reserve(static_cast<std::size_t>(length));
+    rightRows.reserve(static_cast<std::size_t>(length));
     return true;
 }
 
-/// Calls visit(run) for each run of sorted rows, of which the first is flagged. What runs there are is found again each
-/// time: a list of them would take more room than rows and flags.
+/// Calls visit(flags, index) with pieces of sorted rows, cut in front of flagged ones.
 template <typename Visit>
-void ForEachRun(const Rows& index, const std::vector<std::uint8_t>& flags, std::uint32_t leftCount, Visit visit)
+void ForEachPiece(const std::vector<std::uint8_t>& flags, const Rows& index, Visit visit)
 {
-    for (std::uint32_t place = 0; place < index.size();) {
-        DataFrame::MergeIndex run{0, 0, 0, 0};
-        do {
-            if (index[place] < leftCount) {
-                run.leftBegin = run.leftCount++ == 0 ? place : run.leftBegin;
-            } else {
-                run.rightBegin = run.rightCount++ == 0 ? place : run.rightBegin;
-            }
-            ++place;
-        } while (place < index.size() && flags[place] == 0);
-        visit(run);
+    constexpr std::size_t PIECE = 4096;
+    std::vector<std::uint8_t> pieceFlags;
+    Rows piece;
+    for (std::size_t begin = 0, end = 0; begin < index.size(); begin = end) {
+        end = std::min(begin + PIECE, index.size());
+        while (end < index.size() && flags[end] == 0) {
+            ++end;
+        }
+        pieceFlags.assign(flags.data() + begin, flags.data() + end);
+        piece.assign(index.data() + begin, index.data() + end);
+        visit(pieceFlags, piece);
     }
 }
 
@@ -105,19 +105,39 @@ Rows DataFrame::SortAndGetKey(
     return index;
 }
 
-std::uint64_t DataFrame::GetMergedSeriesLength(
-    const MergeRows& index, const std::vector<std::uint8_t>& flags, MERVO_TESSERA_MERGE_JOINTYPE type) const
+void DataFrame::CalculateMergeIndex(
+    const std::vector<std::uint8_t>& flags, const MergeRows& index, std::vector<MergeIndex>& result) const
 {
-    std::uint64_t length = 0; // at most all pairs and all single rows, which 64 bits can hold
-    ForEachRun(index, flags, RowCount(), [type, &length](const MergeIndex& run) {
+    const std::uint32_t leftCount = RowCount();
+    result.reserve(result.size() + std::accumulate(flags.begin(), flags.end(), std::size_t{0}));
+    for (std::uint32_t place = 0; place < index.size(); ++place) {
+        if (flags[place] != 0) {
+            result.push_back({0, 0, 0, 0});
+        }
+        MergeIndex& run = result.back();
+        if (index[place] < leftCount) {
+            run.leftBegin = run.leftCount == 0 ? place : run.leftBegin;
+            ++run.leftCount;
+        } else {
+            run.rightBegin = run.rightCount == 0 ? place : run.rightBegin;
+            ++run.rightCount;
+        }
+    }
+}
+
+std::uint64_t DataFrame::GetMergedSeriesLength(
+    const std::vector<MergeIndex>& merge, MERVO_TESSERA_MERGE_JOINTYPE type) const
+{
+    std::uint64_t length = 0;
+    for (const MergeIndex& run : merge) {
         length += std::uint64_t{run.leftCount} * run.rightCount;
         length += run.leftCount == 0 && KeepsRight(type) ? run.rightCount : 0;
         length += run.rightCount == 0 && KeepsLeft(type) ? run.leftCount : 0;
-    });
+    }
     return length;
 }
 
-void DataFrame::GetLeftRightMergeIndex(const MergeRows& index, const std::vector<std::uint8_t>& flags,
+void DataFrame::GetLeftRightMergeIndex(const std::vector<MergeIndex>& merge, const MergeRows& index,
     MERVO_TESSERA_MERGE_JOINTYPE type, MergeRows& left, MergeRows& right) const
 {
     // Keys within the tolerance stand in the order of their values, so that a run's rows of both sides can be mixed.
@@ -132,9 +152,13 @@ void DataFrame::GetLeftRightMergeIndex(const MergeRows& index, const std::vector
         }
         return index[place++] - leftCount;
     };
-    std::uint32_t* toLeft = left.data();
-    std::uint32_t* toRight = right.data();
-    ForEachRun(index, flags, leftCount, [&](const MergeIndex& run) {
+    const std::size_t before = left.size();
+    const std::size_t length = before + static_cast<std::size_t>(GetMergedSeriesLength(merge, type));
+    left.resize(length);
+    right.resize(length);
+    std::uint32_t* toLeft = left.data() + before;
+    std::uint32_t* toRight = right.data() + before;
+    for (const MergeIndex& run : merge) {
         std::uint32_t leftPlace = run.leftBegin;
         std::uint32_t rightPlace = run.rightBegin;
         if (run.leftCount != 0 && run.rightCount != 0) {
@@ -151,7 +175,7 @@ void DataFrame::GetLeftRightMergeIndex(const MergeRows& index, const std::vector
             toLeft = std::fill_n(toLeft, run.rightCount, Func::NO_ROW);
             toRight = std::generate_n(toRight, run.rightCount, [&] { return nextRight(rightPlace); });
         }
-    });
+    }
 }
 
 Error DataFrame::PairMergeRows(const DataFrame& right, const MergeRows& leftOn, const MergeRows& rightOn,
@@ -169,19 +193,34 @@ Error DataFrame::PairMergeRows(const DataFrame& right, const MergeRows& leftOn, 
     const auto pairs =
         leftOn.size() == 1 ? PairsByNumber(RowsOf(*this, leftOn[0]), RowsOf(right, rightOn[0]), type) : std::nullopt;
     if (pairs.has_value()) {
-        if (!MakeRoomFor(pairs->Count(), cellBytes, leftRows, rightRows)) {
+        const std::uint64_t length = pairs->Count();
+        if (!MakeRoomFor(length, cellBytes, leftRows, rightRows)) {
             return TooManyRows();
         }
+        leftRows.resize(static_cast<std::size_t>(length));
+        rightRows.resize(static_cast<std::size_t>(length));
         pairs->Write(leftRows, rightRows);
         return {};
     }
     std::vector<std::uint8_t> flags(static_cast<std::size_t>(count));
     flags.front() = 1;
     const MergeRows index = SortAndGetKey(right, leftOn, rightOn, flags);
-    if (!MakeRoomFor(GetMergedSeriesLength(index, flags, type), cellBytes, leftRows, rightRows)) {
+    const auto forEachPieceOfRuns = [&](auto visit) {
+        std::vector<MergeIndex> runs;
+        ForEachPiece(flags, index, [&](const std::vector<std::uint8_t>& pieceFlags, const MergeRows& piece) {
+            runs.clear();
+            CalculateMergeIndex(pieceFlags, piece, runs);
+            visit(runs, piece);
+        });
+    };
+    std::uint64_t length = 0; // at most all pairs and all single rows, which 64 bits can hold
+    forEachPieceOfRuns([&](const auto& runs, const MergeRows&) { length += GetMergedSeriesLength(runs, type); });
+    if (!MakeRoomFor(length, cellBytes, leftRows, rightRows)) {
         return TooManyRows();
     }
-    GetLeftRightMergeIndex(index, flags, type, leftRows, rightRows);
+    forEachPieceOfRuns([&](const auto& runs, const MergeRows& piece) {
+        GetLeftRightMergeIndex(runs, piece, type, leftRows, rightRows);
+    });
     return {};
 }
 
