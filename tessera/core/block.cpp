@@ -93,8 +93,8 @@ void* AllocateBlock(std::size_t count, std::size_t elementSize) noexcept
     if (block == nullptr && keptBlocks.ReleaseAll()) {
         block = AllocateFresh(bytes);
     }
-    if (block == nullptr && isLarge) {
-        keptBlocks.CountOut(bytes);
+    if (block != nullptr && isLarge) {
+        keptBlocks.CountIn(bytes);
     }
     return block;
 }

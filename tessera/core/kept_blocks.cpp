@@ -64,16 +64,14 @@ void* KeptBlocks::Take(std::size_t bytes) noexcept
         }
     }
     if (best == nullptr) {
-        inUse += bytes;
-        mostInUse = std::max(mostInUse, inUse);
-        while (count != 0 && inUse + total > mostInUse + mostInUse / 16) {
+        const std::size_t most = std::max(mostInUse, inUse + bytes);
+        while (count != 0 && inUse + bytes + total > most + most / 16) {
             ReleaseOldest();
         }
         return nullptr;
     }
     void* const block = best->block;
-    inUse += best->bytes;
-    mostInUse = std::max(mostInUse, inUse);
+    AddInUse(best->bytes);
     Remove(static_cast<std::size_t>(best - entries.data()));
     return block;
 }
@@ -97,6 +95,18 @@ bool KeptBlocks::Keep(void* block, std::size_t bytes) noexcept
         offered += oldest.bytes;
     }
     return true;
+}
+
+void KeptBlocks::AddInUse(std::size_t bytes) noexcept
+{
+    inUse += bytes;
+    mostInUse = std::max(mostInUse, inUse);
+}
+
+void KeptBlocks::CountIn(std::size_t bytes) noexcept
+{
+    const std::lock_guard lock(mutex);
+    AddInUse(bytes);
 }
 
 void KeptBlocks::CountOut(std::size_t bytes) noexcept

@@ -36,7 +36,8 @@ public:
     /// Keeps a block that was in use, and lets the oldest ones go where they would be too many. False if it is too
     /// large to be kept: then it counts no longer.
     bool Keep(void* block, std::size_t bytes) noexcept;
-    /// Tells that there is no fresh block in spite of the room.
+    /// Tell that a fresh block is in use, and that one is no longer without being kept.
+    void CountIn(std::size_t bytes) noexcept;
     void CountOut(std::size_t bytes) noexcept;
     /// False where there was nothing to release.
     bool ReleaseAll() noexcept;
@@ -46,6 +47,7 @@ private:
         void* block = nullptr;
         std::size_t bytes = 0;
     };
+    void AddInUse(std::size_t bytes) noexcept;
     void ReleaseOldest() noexcept;
     void Remove(std::size_t place) noexcept;
 

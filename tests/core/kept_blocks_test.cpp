@@ -65,7 +65,6 @@ TEST_F(KeptBlocksOf, StayBelowTheirBounds)
         taken.push_back(block);
         kept += LARGE;
     }
-    keptBlocks.CountOut(LARGE);
     EXPECT_LE(kept, MOST_KEPT_BYTES);
     ASSERT_GE(taken.size(), 2U);
     EXPECT_EQ(taken.front(), blocks.back()) << "what was used last is warmest";
@@ -80,8 +79,13 @@ TEST_F(KeptBlocksOf, LeaveRoomForFreshOnes)
     KeptBlocks blocks; // which has seen nothing in use
     const auto get = [&blocks](std::size_t bytes) {
         void* const block = blocks.Take(bytes);
-        return block != nullptr ? block : AllocateBlock(bytes, 1);
+        if (block != nullptr) {
+            return block;
+        }
+        blocks.CountIn(bytes);
+        return AllocateBlock(bytes, 1);
     };
+    EXPECT_EQ(blocks.Take(SIZE_MAX / 2), nullptr) << "what nobody got doesn't count";
     ASSERT_TRUE(blocks.Keep(get(LARGER), LARGER));
     void* const fresh = get(LARGE);
     EXPECT_FALSE(blocks.ReleaseAll()) << "together they are more than was ever in use";
