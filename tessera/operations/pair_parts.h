@@ -23,11 +23,11 @@ public:
 
     /**
      * Cuts at least one pair. Working set: a counter for each part in each chunk, and 8 bytes for each digit.
-     * @param all   has room for `spare` pairs in front; pairs move there, and the last places become free.
-     * @param spare LeastSpare(count) or more.
+     * @param all         has that room in front; pairs move there, and the last places become free.
+     * @param roomInFront LeastSpare(pairCount) pairs or more.
      */
-    PairParts(
-        std::uint64_t* all, std::uint32_t count, std::size_t spare, unsigned int positionBits, unsigned int keyBits);
+    PairParts(std::uint64_t* all, std::uint32_t pairCount, std::size_t roomInFront, unsigned int positionBits,
+        unsigned int keyBits);
 
     /// False where there was no room for the counters; then nothing has been moved.
     bool AreCut() const { return ends != nullptr; }
