@@ -320,7 +320,7 @@ public:
      * SelectCol(keys and values).GroupBy(the keys, false, false, false).Apply(creators), but moves no row that it can
      * count where it lies.
      *
-     * Working set: 4 bytes per row, and some 32 bytes per distinct key (56 per distinct string); 16 bytes per group. A
+     * Working set: 4 bytes per row, and some 32 bytes per distinct key (a string 40, or up to 16 per row); 16 per group. A
      * functor other than Sum, Mean, Max, Min, Std and Var takes another 4 bytes per row and a copy of a column.
      * Floating keys are sorted, which takes 29 bytes per row.
      * @param keys    columns of the table.

@@ -91,8 +91,8 @@ public:
      *
      * A table gets its columns in the new order one after the other, a window has its cells rearranged in place.
      * Numbers come by size, false before true, strings by their bytes and then by length, stamps by time; where NaN
-     * comes to stand, std::stable_sort with `<` decides. Working set: 20 bytes per row (with NaN 28), then 4 and one
-     * column; where that column can't be had, its cells change places.
+     * comes to stand, std::stable_sort with `<` decides. Working set: up to 21 bytes per row (with NaN 28), then 4 and
+     * one column, of short strings 16; where that can't be had, cells change places.
      * @param keys positions in the window, or names.
      * @return 0, or 5: no keys, or no such name; 4: no such column; 1: a key of nested tables; 21: a column in a list;
      *         3: no memory; or the table's own code. Whatever fails, the rows stay as they are; what fails while they

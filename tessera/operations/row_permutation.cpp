@@ -136,12 +136,15 @@ void RowPermutation::MoveInto(const Cursor& from, const Cursor& to) const noexce
 
 bool RowPermutation::ReorderShortTexts(std::string* texts) const noexcept
 {
+    constexpr std::size_t FIRSTS = 64; // which mostly tell of a column of long texts
+    if (!std::all_of(texts, texts + std::min(FIRSTS, positions.size()), IsShort)) {
+        return false;
+    }
     // Two blocks, each as large as a column of doubles: one may do for both after another.
     const std::size_t half = positions.size() / 2;
     const Block<Luggage> first = MakeBlock<Luggage>(half);
     const Block<Luggage> second = MakeBlock<Luggage>(positions.size() - half);
-    if (first == nullptr || second == nullptr || std::string().capacity() < Func::READ_AHEAD ||
-        !PackShortTexts(texts, positions.first(half), first.get()) ||
+    if (first == nullptr || second == nullptr || !PackShortTexts(texts, positions.first(half), first.get()) ||
         !PackShortTexts(texts, positions.subspan(half), second.get())) {
         return false;
     }

@@ -24,7 +24,7 @@ public:
     /// Fills a column of the same value type, but not of texts, with the cells of another, which holds nothing of use
     /// afterwards.
     void MoveInto(const Cursor& from, const Cursor& to) const noexcept;
-    /// Reorders texts of up to 15 bytes by way of 16 bytes for each, which is half of what the column takes. False,
+    /// Reorders texts of up to 15 bytes by way of 16 bytes for each, which is less than the column takes. False,
     /// with nothing moved, where a text is longer or there is no memory.
     bool ReorderShortTexts(std::string* texts) const noexcept;
     /// Constructs texts of those at the positions, which it destroys.

@@ -40,7 +40,8 @@ private:
  * floating numbers (each NaN for itself) and strings in an array. Bools, stamps and lists are sorted all the same.
  *
  * Working set: up to 17 bytes per position, with NaN 24; a copy of a list; for `sorted` false also some 32 bytes per
- * distinct number, 56 per distinct string. Code 1: nested tables; 3: no memory; 4: a position beyond the column.
+ * distinct number, 40 per distinct string or up to 16 per position. Code 1: nested tables; 3: no memory; 4: a position
+ * beyond the column.
  * @tparam ARGS how the positions (by reference), `ascending` and `sorted` are handed in; without the last one they are
  *         sorted.
  */

@@ -32,6 +32,7 @@ std::vector<Cursor> CursorsOnArrays(const DataFrameRef& table)
     return cursors;
 }
 
+/// Reorders a column of short texts in place; false for any other one, which stays as it is.
 bool AreReorderedShortTexts(const Cursor& cells, const RowPermutation& rows)
 {
     return cells->GetAttr().typeId == TESSERA_STRING &&
