@@ -320,9 +320,9 @@ public:
      * SelectCol(keys and values).GroupBy(the keys, false, false, false).Apply(creators), but moves no row that it can
      * count where it lies.
      *
-     * Working set: 4 bytes per row, and some 32 bytes per distinct key (a string 40, or up to 16 per row); 16 per group. A
-     * functor other than Sum, Mean, Max, Min, Std and Var takes another 4 bytes per row and a copy of a column.
-     * Floating keys are sorted, which takes 29 bytes per row.
+     * Working set: 4 bytes per row, and some 32 bytes per distinct key (a string 40, or up to 16 per row); 16 per
+     * group. A functor other than Sum, Mean, Max, Min, Std and Var takes another 4 bytes per row and a copy of a
+     * column. Floating keys are sorted, which takes 29 bytes per row.
      * @param keys    columns of the table.
      * @param values  the columns to evaluate.
      * @param creator a functor for all value columns; in the other form there may be one for each of them.
